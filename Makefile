@@ -1,0 +1,82 @@
+# The front door. Each target installs what it needs (tools/setup), then uses the presets of
+# CMakePresets.json, which work by themselves as well.
+
+FUZZ_SECONDS ?= 60
+JOBS ?= $(shell nproc)
+
+.PHONY: help demo test test-32 sanitize fuzz bench bench-check coverage docs package format check clean
+.DEFAULT_GOAL := help
+.NOTPARALLEL:
+
+# $(call build,PRESET): configures and builds one preset into build/PRESET.
+build = cmake --preset $(1) -Wno-dev --log-level=WARNING && cmake --build --preset $(1) -j $(JOBS)
+
+help:  ## list these targets
+	@awk -F ':.*## ' '/^[a-z0-9-]+:.*## / {printf "make %-12s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
+
+demo:  ## build, then find things in real text (FILE=path for a text of your own)
+	@tools/setup build
+	@$(call build,dev) --target ZRKRegEx zrkhost | tail -n 1
+	@build/dev/zrkhost examples/demo.lua $(FILE)
+
+test:  ## build and run every test
+	@tools/setup build
+	$(call build,dev)
+	ctest --preset dev -j $(JOBS)
+
+test-32:  ## the same as 32-bit code, the host's own interface
+	@tools/setup build m32
+	@tools/fetch-i386
+	$(call build,m32)
+	ctest --preset m32 -j $(JOBS)
+
+sanitize:  ## the tests under address, leak and undefined; the threaded ones under thread
+	@tools/setup build
+	$(call build,asan-ubsan)
+	ctest --preset asan-ubsan -j $(JOBS)
+	$(call build,tsan)
+	ctest --preset tsan -j $(JOBS)
+
+fuzz:  ## run each fuzz target for FUZZ_SECONDS (60)
+	@tools/setup build clang
+	$(call build,fuzz)
+	@tools/run-fuzz $(FUZZ_SECONDS)
+
+bench:  ## measure against the bare engine and write docs/benchmarks.md
+	@tools/setup build bench
+	$(call build,release)
+	@bench/run
+
+bench-check:  ## a quick measurement that fails when a ratio falls behind its target
+	@tools/setup build bench
+	$(call build,release)
+	@bench/run --check
+
+coverage:  ## lines and branches that the tests reach, by room, with an HTML report
+	@tools/setup build coverage
+	$(call build,coverage)
+	@tools/report-coverage
+
+docs:  ## the documentation as HTML, in build/docs
+	@tools/setup build docs
+	@tools/build-docs
+
+package: docs  ## build/package/ZRKRegEx.xojo_plugin, and a check of it
+	@tools/setup build m32 package
+	@tools/fetch-i386
+	$(call build,m32)
+	@packaging/make-package build/m32/libZRKRegEx.so build/docs/help build/package
+	@packaging/check-package build/package/ZRKRegEx.xojo_plugin build/m32/zrkhost
+
+format:  ## rewrite the sources as .clang-format says
+	@tools/setup format
+	@tools/format
+
+check:  ## formatting, include directions, headers alone, house rules, clang-tidy, shellcheck
+	@tools/setup build check
+	@tools/check
+	$(call build,dev)
+	@tools/tidy build/dev
+
+clean:  ## remove everything that was built
+	rm -rf build

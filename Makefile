@@ -3,6 +3,8 @@
 
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
+SHELL := /bin/bash
+.SHELLFLAGS := -euo pipefail -c
 
 .PHONY: help demo test test-32 sanitize fuzz bench bench-check coverage docs package format check clean
 .DEFAULT_GOAL := help
@@ -16,7 +18,7 @@ help:  ## list these targets
 
 demo:  ## build, then find things in real text (FILE=path for a text of your own)
 	@tools/setup build
-	@$(call build,dev) --target ZRKRegEx zrkhost | tail -n 1
+	@$(call build,dev) --target ZRKRegEx zrkhost
 	@build/dev/zrkhost examples/demo.lua $(FILE)
 
 test:  ## build and run every test

@@ -1,0 +1,85 @@
+#include "host/exceptions.h"
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <typeinfo>
+
+#include "host/references.h"
+#include "host/services.h"
+
+namespace zrk {
+
+// Messages become host strings in the room of the text adapters, which builds on this one.
+REALstringStruct* REALBuildUnicodeString(const void* bytes, std::int64_t length,
+                                         std::uint32_t encoding);
+
+void RaiseException(const char* class_name, const char* message, std::uint32_t error_number) {
+  StringReference text;
+  if (message != nullptr) {
+    const auto length = static_cast<std::int64_t>(std::strlen(message));
+    text = StringReference::Adopt(REALBuildUnicodeString(message, length, kEncodingUTF8));
+  }
+  auto exception = ObjectReference::Adopt(REALnewInstance(class_name));
+  if (exception.get() == nullptr) {
+    exception = ObjectReference::Adopt(REALnewInstance("RuntimeException"));
+  }
+  if (exception.get() == nullptr) return;
+  REALSetPropValueString(exception.get(), "Message", text.get());
+  REALSetPropValueInteger(exception.get(), "ErrorNumber", static_cast<std::int32_t>(error_number));
+  REALRaiseException(exception.get());
+}
+
+void RaiseOutOfBoundsException(std::int64_t value, std::int64_t minimum, std::int64_t maximum,
+                               const char* parameter_name, const char* method_name) {
+  constexpr std::size_t kRoomForTheRest = 200;
+  constexpr const char* kClass = "OutOfBoundsException";
+  if (parameter_name == nullptr) parameter_name = "?";
+  if (method_name == nullptr) method_name = "";
+  const std::size_t size = std::strlen(parameter_name) + std::strlen(method_name) + kRoomForTheRest;
+  const std::unique_ptr<char[]> message(size <= INT32_MAX ? new (std::nothrow) char[size]
+                                                          : nullptr);
+  if (message == nullptr) return RaiseException(kClass, "Out of Bounds");
+  // Without a method name both blanks around the gap stay: the text is the same for every caller.
+  std::snprintf(message.get(), size,
+                "Parameter %s %s%s is too %s. Range is %lld to %lld, but value is %lld.",
+                parameter_name, *method_name != '\0' ? "to method " : "", method_name,
+                value < minimum ? "small" : "big", static_cast<long long>(minimum),
+                static_cast<long long>(maximum), static_cast<long long>(value));
+  RaiseException(kClass, message.get());
+}
+
+bool CheckIndex(std::int64_t index, std::int64_t count, const char* method_name) {
+  if (index >= 0 && index < count) return true;
+  RaiseOutOfBoundsException(index, 0, count - 1, "index", method_name);
+  return false;
+}
+
+// The special kinds stand before their bases, since the first clause that fits applies.
+void TranslateNativeException() noexcept {
+  constexpr const char* kOutOfBounds = "OutOfBoundsException";
+  try {
+    throw;
+  } catch (const std::bad_alloc&) {
+    RaiseException("OutOfMemoryException", "Failed to allocate memory.");
+  } catch (const std::range_error& error) {
+    RaiseException(kOutOfBounds, error.what());
+  } catch (const std::out_of_range& error) {
+    RaiseException(kOutOfBounds, error.what());
+  } catch (const std::overflow_error& error) {
+    RaiseException(kOutOfBounds, error.what());
+  } catch (const std::underflow_error& error) {
+    RaiseException(kOutOfBounds, error.what());
+  } catch (const std::bad_cast& error) {
+    RaiseException("IllegalCastException", error.what());
+  } catch (const std::exception& error) {
+    RaiseException("RuntimeException", error.what());
+  } catch (...) {
+    RaiseException("RuntimeException", "Sorry, but there was an unnamed C++ Exception.");
+  }
+}
+
+}  // namespace zrk

@@ -1,0 +1,29 @@
+// Host exceptions: misuse and internal failures as the script sees them. [host thread]
+//
+// The host raises the exception when the method returns, so a caller returns at once with its
+// neutral result.
+#ifndef ZRK_HOST_EXCEPTIONS_H
+#define ZRK_HOST_EXCEPTIONS_H
+
+#include <cstdint>
+
+namespace zrk {
+
+// Raises an exception of the named host class, or a "RuntimeException" where the host does not know
+// that class. Both texts are zero-terminated; a null message leaves the exception's empty.
+void RaiseException(const char* class_name, const char* message, std::uint32_t error_number = 0);
+
+// Raises "OutOfBoundsException" with a message that names the parameter, the method, the allowed
+// range and the value. A null parameter name reads "?", a null method name is left out.
+void RaiseOutOfBoundsException(std::int64_t value, std::int64_t minimum, std::int64_t maximum,
+                               const char* parameter_name, const char* method_name);
+
+// Whether 0 <= index < count; raises the exception above for a parameter called "index" otherwise.
+bool CheckIndex(std::int64_t index, std::int64_t count, const char* method_name);
+
+// Call inside catch (...): raises the host exception that stands for the native one being handled.
+void TranslateNativeException() noexcept;
+
+}  // namespace zrk
+
+#endif  // ZRK_HOST_EXCEPTIONS_H

@@ -1,0 +1,72 @@
+// Owners of host references: each gives its reference back once, when it ends. [host thread]
+#ifndef ZRK_HOST_REFERENCES_H
+#define ZRK_HOST_REFERENCES_H
+
+#include <utility>
+
+#include "host/services.h"
+
+namespace zrk {
+
+inline REALobjectStruct* AsObject(REALmemoryBlockStruct* block) {
+  return reinterpret_cast<REALobjectStruct*>(block);
+}
+
+// Null handles are never locked or unlocked.
+inline void Lock(REALstringStruct* string) {
+  if (string != nullptr) REALLockString(string);
+}
+inline void Lock(REALobjectStruct* object) {
+  if (object != nullptr) REALLockObject(object);
+}
+inline void Unlock(REALstringStruct* string) {
+  if (string != nullptr) REALUnlockString(string);
+}
+inline void Unlock(REALobjectStruct* object) {
+  if (object != nullptr) REALUnlockObject(object);
+}
+
+// Gives back the reference that a field of a plain record holds, and clears the field.
+template <typename Handle>
+void Release(Handle*& field) {
+  if (field != nullptr) Unlock(std::exchange(field, nullptr));
+}
+
+// Holds one reference on a host string or object; may hold null.
+template <typename Handle>
+class Reference {
+ public:
+  Reference() = default;
+  // Takes over a reference that the caller already has.
+  static Reference Adopt(Handle* handle) { return Reference(handle); }
+  // Adds a reference of its own.
+  static Reference Share(Handle* handle) {
+    Lock(handle);
+    return Reference(handle);
+  }
+
+  Reference(Reference&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  Reference& operator=(Reference&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+  ~Reference() { Reset(); }
+
+  Handle* get() const { return handle_; }
+  // Gives the reference back now instead of at the end.
+  void Reset() { Release(handle_); }
+  // Hands the reference to the caller.
+  Handle* Take() { return std::exchange(handle_, nullptr); }
+
+ private:
+  explicit Reference(Handle* handle) : handle_(handle) {}
+
+  Handle* handle_ = nullptr;
+};
+
+using StringReference = Reference<REALstringStruct>;
+using ObjectReference = Reference<REALobjectStruct>;
+
+}  // namespace zrk
+
+#endif  // ZRK_HOST_REFERENCES_H

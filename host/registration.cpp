@@ -1,0 +1,74 @@
+// Older hosts read shorter rows. A row is a run of words, and its old form is the first words of
+// it: a property row of 12 words becomes one of 10, a method row of 6 becomes 4, a constant row 5
+// to 3.
+#include "host/registration.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include "host/services.h"
+#include "host/state.h"
+
+namespace zrk {
+
+namespace {
+
+constexpr HostWord kOldPropertyWords = 10;
+constexpr HostWord kOldMethodWords = 4;
+constexpr HostWord kOldConstantWords = 3;
+constexpr HostWord kOldEventWords = 2;
+constexpr std::int32_t kFirstCurrentLayout = 10;
+
+template <typename Row>
+Row* ShortenRows(const Row* table, HostWord count, HostWord words) {
+  const auto row_bytes = static_cast<std::size_t>(words) * kWord;
+  if (table == nullptr || count < 1 || static_cast<std::uint64_t>(count) > INT32_MAX / row_bytes) {
+    return nullptr;
+  }
+  const auto rows = static_cast<std::size_t>(count);
+  auto* copy = static_cast<unsigned char*>(std::calloc(rows, row_bytes));
+  if (copy == nullptr) return nullptr;
+  for (std::size_t i = 0; i < rows; ++i) std::memcpy(copy + i * row_bytes, table + i, row_bytes);
+  return reinterpret_cast<Row*>(copy);
+}
+
+REALevent* FixEvents(REALevent* table, HostWord count) {
+  REALevent* const fixed = ShortenRows(table, count, kOldEventWords);
+  if (fixed == nullptr) return nullptr;
+  auto* row = reinterpret_cast<HostWord*>(fixed);
+  for (HostWord i = 0; i < count; ++i, row += kOldEventWords) {
+    table[i].Words[1] = reinterpret_cast<HostWord>(row);
+  }
+  return fixed;
+}
+
+}  // namespace
+
+REALproperty* FixProperties(const REALproperty* table, HostWord count) {
+  return ShortenRows(table, count, kOldPropertyWords);
+}
+
+void ConvertToOldLayout(REALclassDefinition& definition) {
+  definition.Properties = FixProperties(definition.Properties, definition.PropertyCount);
+  definition.Methods = ShortenRows(definition.Methods, definition.MethodCount, kOldMethodWords);
+  definition.Events = FixEvents(definition.Events, definition.EventCount);
+  definition.FurtherTable = nullptr;
+  definition.FurtherCount = 0;
+  definition.Constants =
+      ShortenRows(definition.Constants, definition.ConstantCount, kOldConstantWords);
+  definition.SharedProperties =
+      FixProperties(definition.SharedProperties, definition.SharedPropertyCount);
+  definition.SharedMethods =
+      ShortenRows(definition.SharedMethods, definition.SharedMethodCount, kOldMethodWords);
+}
+
+void RegisterClass(REALclassDefinition& definition) {
+  constexpr HostWord kDataAlignment = 16;
+  definition.DataSize = (definition.DataSize + kDataAlignment - 1) & -kDataAlignment;
+  definition.Version = CurrentREALControlVersion;
+  if (CurrentREALControlVersion < kFirstCurrentLayout) ConvertToOldLayout(definition);
+  REALRegisterClass(&definition);
+}
+
+}  // namespace zrk

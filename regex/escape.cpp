@@ -1,0 +1,77 @@
+#include "regex/escape.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "text/build_string.h"
+
+namespace zrk {
+
+namespace {
+
+constexpr char kEscape = '\\';
+constexpr std::size_t kSpareBytes = 4;
+
+constexpr std::array<bool, 256> kIsSpecial = [] {
+  std::array<bool, 256> table{};
+  for (const char special : std::string_view(R"($()*+.?[\]^{|})")) {
+    table[static_cast<unsigned char>(special)] = true;
+  }
+  return table;
+}();
+
+std::string_view View(rbText& text) {
+  return {text.UTF8Text(), static_cast<std::size_t>(text.UTF8Length())};
+}
+
+REALstringStruct* Build(const std::string& bytes) {
+  return REALBuildUnicodeString(bytes.data(), static_cast<std::int64_t>(bytes.size()),
+                                kEncodingUTF8);
+}
+
+// Escapes a block into a buffer with room for twice its length and answers the bytes written. Every
+// byte is written behind a backslash that the next write replaces where it was not needed, which
+// keeps the loop free of branches.
+std::size_t EscapeBlock(std::string_view block, char* out) {
+  char* at = out;
+  for (const char byte : block) {
+    *at = kEscape;
+    at += kIsSpecial[static_cast<unsigned char>(byte)] ? 1 : 0;
+    *at++ = byte;
+  }
+  return static_cast<std::size_t>(at - out);
+}
+
+}  // namespace
+
+REALstringStruct* EscapeString(RegExClassData& /*data*/, REALstringStruct* text) {
+  constexpr std::size_t kBlock = 4096;
+  rbText adapter(text);
+  std::string_view rest = View(adapter);
+  std::string result;
+  result.reserve(rest.size() + kSpareBytes);
+  std::array<char, 2 * kBlock> escaped;
+  for (; !rest.empty(); rest.remove_prefix(std::min(kBlock, rest.size()))) {
+    result.append(escaped.data(), EscapeBlock(rest.substr(0, kBlock), escaped.data()));
+  }
+  return Build(result);
+}
+
+REALstringStruct* UnescapeString(RegExClassData& /*data*/, REALstringStruct* text) {
+  rbText adapter(text);
+  const std::string_view escaped = View(adapter);
+  std::string result;
+  result.reserve(escaped.size() + kSpareBytes);
+  for (std::size_t at = 0; at < escaped.size();) {
+    const std::size_t backslash = std::min(escaped.find(kEscape, at), escaped.size());
+    result.append(escaped, at, backslash - at);
+    // The text's zero byte stands behind a backslash at the very end.
+    if (backslash < escaped.size()) result.push_back(escaped.data()[backslash + 1]);
+    at = backslash + 2;
+  }
+  return Build(result);
+}
+
+}  // namespace zrk

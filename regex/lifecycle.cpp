@@ -1,0 +1,71 @@
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "host/exceptions.h"
+#include "regex/class_data.h"
+
+namespace zrk {
+
+namespace {
+
+constexpr HostInteger kSmallestVector = 51;
+constexpr HostInteger kLargestVector = 65535;
+// The engine uses the last third of its vector as a work area (pcreapi, pcre_exec).
+constexpr HostInteger kEntriesPerPair = 3;
+
+}  // namespace
+
+void RegExConstructor(RegExClassData& data, HostInteger VecSize) {
+  const HostInteger pairs = std::clamp(VecSize, kSmallestVector, kLargestVector) / kEntriesPerPair;
+  data.CompileOptions = PCRE_UNGREEDY | PCRE_UTF8 | PCRE_NO_UTF8_CHECK;
+  data.ExecuteOptions = PCRE_NO_UTF8_CHECK;
+  data.Lasterror = 0;
+  const auto entries = static_cast<std::size_t>(pairs * kEntriesPerPair);
+  data.Vector = static_cast<std::int32_t*>(std::calloc(entries, sizeof *data.Vector));
+  if (data.Vector == nullptr) {
+    return RaiseException("OutOfMemoryException", "Failed to allocate vector array.");
+  }
+  data.VectorSize = pairs * kEntriesPerPair;
+}
+
+void RegExDestructor(RegExClassData& data) {
+  ClearText(data);
+  Release(data.ErrorMessage);
+  ClearPattern(data);
+  std::free(std::exchange(data.Vector, nullptr));
+  data.VectorSize = 0;
+}
+
+void ClearText(RegExClassData& data) {
+  Release(data.Text);
+  if (data.TextMemory != nullptr) Unlock(AsObject(std::exchange(data.TextMemory, nullptr)));
+  data.TextPointer = nullptr;
+  data.TextLength = 0;
+  delete std::exchange(data.TextAdapter, nullptr);
+  delete std::exchange(data.MemoryAdapter, nullptr);
+}
+
+void ClearPattern(RegExClassData& data) {
+  if (data.StudyExtra != nullptr) pcre_free_study(std::exchange(data.StudyExtra, nullptr));
+  if (data.Handle != nullptr) pcre_free(std::exchange(data.Handle, nullptr));
+}
+
+bool RequireVector(const RegExClassData& data) {
+  if (data.Vector != nullptr) return true;
+  RaiseException("NilObjectException", "RegEx class not initialized.");
+  return false;
+}
+
+SubjectNotes* NotesOf(const RegExClassData& data) {
+  if (data.TextPointer == nullptr) return nullptr;
+  return data.TextAdapter != nullptr ? &data.TextAdapter->notes() : &data.MemoryAdapter->notes();
+}
+
+const unsigned char* EngineSubject(const RegExClassData& data) {
+  SubjectNotes* const notes = NotesOf(data);
+  if (notes == nullptr) return nullptr;
+  return notes->EngineBytes(data.TextPointer, static_cast<std::size_t>(data.TextLength));
+}
+
+}  // namespace zrk

@@ -1,0 +1,37 @@
+#include "regex/match_walk.h"
+
+#include "text/utf8.h"
+
+namespace zrk {
+
+MatchWalk::MatchWalk(RegExClassData& data, rbText& target)
+    : call_(PrepareCall(data)), bytes_(target.UTF8Bytes()) {
+  SetSubject(call_, target);
+  call_.vector_size = kVectorSize;
+}
+
+bool MatchWalk::Next() {
+  if (at_end_) return false;
+  ++calls_;
+  call_.vector = vector_;  // a copied walk has its own
+  if (RunEngine(call_) < 1) {
+    at_end_ = true;
+    return false;
+  }
+  Advance();
+  return true;
+}
+
+void MatchWalk::Advance() {
+  const Pair whole = match()[0];
+  at_end_ = whole.end >= call_.length;
+  if (at_end_) return;
+  const std::int32_t searched_from = call_.start;
+  call_.start = whole.end;
+  if (whole.IsEmpty()) call_.start += SequenceLength(bytes_[whole.end]);
+  if (call_.start <= searched_from) {
+    call_.start = searched_from + SequenceLength(bytes_[searched_from]);
+  }
+}
+
+}  // namespace zrk

@@ -34,13 +34,13 @@ struct Event {
   const char* call = "";
   const char* method = "";
   std::uint64_t number = 0;
-  std::int32_t library_references = 0;
 };
 
 // The first step and the latest few; fixed size, no allocation.
 class History {
  public:
   void Add(const Event& event);
+  bool Any() const { return count_ > 0; }
   // `REALBuildString (call 3, in Compile), REALUnlockString (call 9, in Compile)`.
   std::string Text() const;
 
@@ -77,6 +77,7 @@ class Thing {
  private:
   friend class Accounts;
   Kind kind_;
+  bool ending_ = false;
   bool ended_ = false;
   std::array<std::int32_t, 2> references_{};
   std::uint64_t number_ = 0;
@@ -129,6 +130,11 @@ class Accounts {
   const char* EnterMethod(const char* method);
   void ResumeMethod(const char* method) { method_ = method; }
 
+  // False on every thread but the one that made the accounts.
+  bool OnHostThread() const { return std::this_thread::get_id() == thread_; }
+  // Tells one host's accounts from another's.
+  std::uint64_t serial() const { return serial_; }
+
   // How many things are alive, and how many of a kind were ever opened.
   std::size_t Living() const;
   std::uint64_t Opened(Kind kind) const { return opened_[static_cast<std::size_t>(kind)]; }
@@ -146,14 +152,15 @@ class Accounts {
 
   std::unordered_map<const void*, std::unique_ptr<Thing>> things_;
   std::deque<const void*> quarantine_;
-  std::array<std::uint64_t, 10> opened_{};
+  std::array<std::uint64_t, static_cast<std::size_t>(Kind::kStringData) + 1> opened_{};
   std::uint64_t given_ = 0;
   std::uint64_t given_back_ = 0;
   std::uint64_t last_number_ = 0;
   std::uint64_t calls_ = 0;
   const char* call_ = "";
   const char* method_ = "";
-  std::thread::id thread_;
+  const std::thread::id thread_;
+  const std::uint64_t serial_;
 
   mutable std::mutex reports_mutex_;
   std::vector<std::string> reports_;

@@ -13,6 +13,9 @@
 
 namespace standin {
 
+// Whether a value may be passed where the type stands; a nil without kind fits every reference.
+bool Fits(const Type& type, const Value& value);
+
 struct Property {
   std::string group;
   std::string name;
@@ -41,10 +44,12 @@ struct Constant {
 
 class ClassInfo {
  public:
+  using Problem = std::function<void(const std::string&)>;
+
   // Reads the definition, which must stay where it is, and writes the instance offset into it.
   // What cannot be read is left out and handed to `problem`, one sentence each.
   ClassInfo(zrk::REALclassDefinition* definition, std::size_t instance_offset,
-            const std::function<void(std::string)>& problem);
+            const Problem& problem);
 
   const std::string& name() const { return name_; }
   // 9 is the old layout; 10 and above the current one.
@@ -76,9 +81,9 @@ class ClassInfo {
   const Method& Choose(std::string_view name, const Values& arguments) const;
 
  private:
-  void ReadProperties(const std::function<void(std::string)>& problem);
-  void ReadMethods(const std::function<void(std::string)>& problem);
-  void ReadConstants(const std::function<void(std::string)>& problem);
+  void ReadProperties(const Problem& problem);
+  void ReadMethods(const Problem& problem);
+  void ReadConstants(const Problem& problem);
 
   zrk::REALclassDefinition* definition_;
   std::string name_;

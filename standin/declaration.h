@@ -55,6 +55,7 @@ Type ParseType(std::string_view name, bool array = false);
 
 // The host's language does not tell upper from lower case in names (ASCII).
 std::string Folded(std::string_view name);
+bool SameName(std::string_view one, std::string_view other);
 
 }  // namespace standin
 

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -105,7 +106,7 @@ class Host {
   const ClassInfo* FindClass(std::string_view name) const;
   const std::vector<std::unique_ptr<ClassInfo>>& classes() const { return classes_; }
 
-  void AddTask(Task task) { tasks_.push_back(std::move(task)); }
+  void AddTask(Task task) { tasks_.push_back({std::move(task)}); }
   // One step of every task, as "REALYieldToRB" does it.
   void RunTasks();
   bool HasTasks() const { return !tasks_.empty(); }
@@ -121,16 +122,29 @@ class Host {
   // What the library announced with "RegisterPluginVersion".
   std::optional<std::int32_t> plugin_version() const { return plugin_version_; }
 
+  // Whether a service call is let through; counts it and applies faults.
+  bool AdmitCall(std::size_t row);
+
  private:
   friend struct Services;
-  friend class Switchboard;
-  friend class PendingErrors;
+  friend class MethodCall;
+
+  struct RunningTask {
+    Task step;
+    bool running = false;  // a task that calls the library is not entered again from its yields
+    bool done = false;
+  };
+
+  Value Adopt(std::unique_ptr<Thing> thing);
+  Value Array(Kind kind, const Values& elements);
+  void RunTask(RunningTask& task);
 
   HostOptions options_;
   Accounts accounts_;
   std::unique_ptr<class Switchboard> switchboard_;
   std::vector<std::unique_ptr<ClassInfo>> classes_;
-  std::vector<Task> tasks_;
+  std::list<RunningTask> tasks_;
+  int task_depth_ = 0;
   std::vector<HostError> pending_errors_;
   std::map<std::string, int, std::less<>> requests_;
   std::optional<std::int32_t> plugin_version_;

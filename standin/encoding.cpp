@@ -1,0 +1,126 @@
+#include "standin/encoding.h"
+
+#include <iconv.h>
+
+#include <array>
+#include <bit>
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+
+#include "host/records.h"
+#include "standin/declaration.h"
+
+namespace standin {
+namespace {
+
+constexpr bool kLittle = std::endian::native == std::endian::little;
+
+struct EncodingRow {
+  std::uint32_t code;
+  const char* name;
+  const char* iconv_name;  // null: nothing converts from or to it
+  std::size_t unit;        // bytes
+};
+
+constexpr EncodingRow kEncodings[] = {
+    {zrk::kEncodingMacRoman, "Mac Roman", "MACINTOSH", 1},
+    {zrk::kEncodingUTF16, "UTF-16", kLittle ? "UTF-16LE" : "UTF-16BE", 2},
+    {zrk::kEncodingISOLatin1, "ISO Latin-1", "ISO-8859-1", 1},
+    {zrk::kEncodingWindowsLatin1, "Windows Latin-1", "CP1252", 1},
+    {zrk::kEncodingASCII, "ASCII", "ASCII", 1},
+    {zrk::kEncodingUnknown, "unknown", nullptr, 1},
+    {zrk::kEncodingUTF8, "UTF-8", "UTF-8", 1},
+    {zrk::kEncodingUTF32, "UTF-32", kLittle ? "UTF-32LE" : "UTF-32BE", 4},
+};
+
+const EncodingRow* Find(std::uint32_t code) {
+  for (const EncodingRow& row : kEncodings) {
+    if (row.code == code) return &row;
+  }
+  return nullptr;
+}
+
+// An open converter; iconv keeps no state between calls for these encodings.
+class Converter {
+ public:
+  Converter(const char* from, const char* to) : handle_(iconv_open(to, from)) {}
+  ~Converter() {
+    if (open()) iconv_close(handle_);
+  }
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+  bool open() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+
+  // Converts until something stops it; drops what it read from `bytes`. 0 when all was read.
+  int Run(std::string_view& bytes, std::string& out) {
+    std::array<char, 4096> buffer;
+    while (!bytes.empty()) {
+      char* in = const_cast<char*>(bytes.data());
+      std::size_t in_left = bytes.size();
+      char* to = buffer.data();
+      std::size_t to_left = buffer.size();
+      const bool failed = iconv(handle_, &in, &in_left, &to, &to_left) == std::size_t(-1);
+      const int error = failed ? errno : 0;
+      out.append(buffer.data(), buffer.size() - to_left);
+      bytes.remove_prefix(bytes.size() - in_left);
+      if (error != 0 && error != E2BIG) return error;
+    }
+    return 0;
+  }
+
+ private:
+  iconv_t handle_;
+};
+
+std::string Substitute(const EncodingRow& to) {
+  std::string_view mark = "\xEF\xBF\xBD";
+  std::string out;
+  Converter converter("UTF-8", to.iconv_name);
+  if (!converter.open() || converter.Run(mark, out) != 0) out = "?";
+  return out;
+}
+
+// Drops one bad or foreign character; of UTF-8 with the continuation bytes that follow it.
+void SkipCharacter(const EncodingRow& from, std::string_view& bytes) {
+  bytes.remove_prefix(std::min(from.unit, bytes.size()));
+  if (from.code != zrk::kEncodingUTF8) return;
+  while (!bytes.empty() && (static_cast<unsigned char>(bytes.front()) & 0xC0) == 0x80) {
+    bytes.remove_prefix(1);
+  }
+}
+
+}  // namespace
+
+std::string EncodingName(std::uint32_t encoding) {
+  if (const EncodingRow* row = Find(encoding)) return row->name;
+  std::array<char, 16> text;
+  std::snprintf(text.data(), text.size(), "0x%08X", static_cast<unsigned>(encoding));
+  return text.data();
+}
+
+std::optional<std::uint32_t> EncodingByName(std::string_view name) {
+  for (const EncodingRow& row : kEncodings) {
+    if (SameName(row.name, name)) return row.code;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> ConvertText(std::string_view bytes, std::uint32_t from,
+                                       std::uint32_t to) {
+  const EncodingRow* source = Find(from);
+  const EncodingRow* target = Find(to);
+  if (!source || !target || !source->iconv_name || !target->iconv_name) return std::nullopt;
+  if (source == target) return std::string(bytes);
+  Converter converter(source->iconv_name, target->iconv_name);
+  if (!converter.open()) return std::nullopt;
+  std::string out;
+  while (const int error = converter.Run(bytes, out)) {
+    out += Substitute(*target);
+    if (error == EINVAL) break;  // a character that the text's end cuts
+    SkipCharacter(*source, bytes);
+  }
+  return out;
+}
+
+}  // namespace standin

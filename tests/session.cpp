@@ -1,0 +1,114 @@
+#include "tests/session.h"
+
+#include <gtest/gtest.h>
+#include <pcre.h>
+
+#include <sstream>
+
+namespace tests {
+
+Session::Session(standin::HostOptions options)
+    : host(std::move(options)), library(ZRK_LIBRARY_PATH, standin::Library::Copy::kPrivate) {
+  library.Start(host);
+}
+
+Session::~Session() {
+  for (const std::string& problem : host.Problems()) ADD_FAILURE() << problem;
+}
+
+Object Session::Compiled(const std::string& pattern) {
+  Object regex = New();
+  EXPECT_TRUE(regex.Call("Compile", {pattern}).Boolean())
+      << pattern << ": " << regex.Get("ErrorMessage").UTF8();
+  return regex;
+}
+
+std::vector<standin::HostOptions> HostKinds() {
+  std::vector<standin::HostOptions> kinds;
+  for (const double version : {2011.0, 2012.0, 2013.04, 2016.0, 2017.0}) {
+    for (const bool direct_storage : {true, false}) {
+      kinds.push_back({.version = version, .direct_storage = direct_storage});
+    }
+  }
+  return kinds;
+}
+
+std::string NameOf(const standin::HostOptions& options) {
+  std::ostringstream name;
+  if (options.version) {
+    name << *options.version;
+  } else {
+    name << "no version";
+  }
+  if (!options.direct_storage) name << " without direct storage";
+  return name.str();
+}
+
+namespace {
+
+void DescribeGroup(std::ostream& out, int group, int start, int end, const std::string& text) {
+  out << ' ';
+  if (group > 0) out << group << ':';
+  if (start < 0) {
+    out << "unset";
+  } else {
+    out << start << '-' << end << " \"" << text << '"';
+  }
+}
+
+// Substring ends at the first NUL byte, and so does the engine's own copy of one.
+std::string UpToNul(const std::string& text) { return text.substr(0, text.find('\0')); }
+
+}  // namespace
+
+std::string Describe(const Object& regex, int result) {
+  std::ostringstream out;
+  out << result << " err=" << regex.Get("Lasterror").Integer();
+  if (regex.Get("Count").Integer() < 1) return out.str();
+  const int groups = regex.Get("InfoCaptureCount").Integer();
+  for (int group = 0; group <= groups; ++group) {
+    DescribeGroup(out, group, regex.Call("Offset", {2 * group}).Integer(),
+                  regex.Call("Offset", {2 * group + 1}).Integer(),
+                  regex.Call("Substring", {group}).UTF8());
+  }
+  return out.str();
+}
+
+std::string DescribeDirectly(const std::string& pattern, const std::string& subject, int start,
+                             unsigned compile_options, unsigned execute_options) {
+  const char* message = nullptr;
+  int offset = 0;
+  pcre* const code =
+      pcre_compile(pattern.c_str(), static_cast<int>(compile_options), &message, &offset, nullptr);
+  if (code == nullptr) return message;
+  std::vector<int> vector(51);
+  const int result =
+      pcre_exec(code, nullptr, subject.data(), static_cast<int>(subject.size()), start,
+                static_cast<int>(execute_options), vector.data(), static_cast<int>(vector.size()));
+  int groups = 0;
+  pcre_fullinfo(code, nullptr, PCRE_INFO_CAPTURECOUNT, &groups);
+  pcre_free(code);
+
+  std::ostringstream out;
+  out << result << " err=" << std::min(result, 0);
+  for (int group = 0; result > 0 && group <= groups; ++group) {
+    const int from = vector[static_cast<std::size_t>(2 * group)];
+    const int to = vector[static_cast<std::size_t>(2 * group) + 1];
+    DescribeGroup(out, group, from, to,
+                  to > from ? UpToNul(subject.substr(static_cast<std::size_t>(from),
+                                                     static_cast<std::size_t>(to - from)))
+                            : "");
+  }
+  return out.str();
+}
+
+std::string Raised(const Outcome& outcome) {
+  std::string lines;
+  for (const standin::HostError& error : outcome.errors) {
+    if (!lines.empty()) lines += '\n';
+    lines += error.class_name + ": " + error.message;
+  }
+  return lines;
+}
+
+}  // namespace tests

@@ -1,0 +1,63 @@
+// What the tests stand on: a host of some kind with the built library in it, and its accounts,
+// which must balance when the session ends.
+//
+//   Session session({.version = 2013.04});
+//   const auto regex = session.New();
+//   EXPECT_TRUE(regex.Call("Compile", {"a+"}).Boolean());
+#ifndef ZRK_TESTS_SESSION_H
+#define ZRK_TESTS_SESSION_H
+
+#include <string>
+#include <vector>
+
+#include "standin/host.h"
+#include "standin/library.h"
+
+namespace tests {
+
+using standin::Kind;
+using standin::Object;
+using standin::Outcome;
+using standin::Value;
+using standin::Values;
+
+// A host with its own copy of the library, so that services are bound anew. Objects and values made
+// in it end before it does. One session at a time.
+class Session {
+ public:
+  explicit Session(standin::HostOptions options = {});
+  ~Session();  // fails the test for whatever the accounts hold against the library
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  // A RegExZRK object after its constructor; with a pattern, which must compile.
+  Object New(const Values& constructor_arguments = {}) {
+    return host.New("RegExZRK", constructor_arguments);
+  }
+  Object Compiled(const std::string& pattern);
+
+  standin::Host host;
+  standin::Library library;
+};
+
+// The kinds of host that behave differently: every version at which something changes, each with
+// and without direct storage where that is read.
+std::vector<standin::HostOptions> HostKinds();
+// "2013.04", or "2013.04 without direct storage", for SCOPED_TRACE.
+std::string NameOf(const standin::HostOptions& options);
+
+// The state after a match as one line: `1 err=0 0-3 "abc" 1:unset 2:1-2 "b"`, the result first, the
+// groups as far as the pattern has them.
+std::string Describe(const Object& regex, int result);
+
+// The same from the engine called directly on the same bytes, options as a new object has them
+// unless given.
+std::string DescribeDirectly(const std::string& pattern, const std::string& subject, int start = 0,
+                             unsigned compile_options = 0x2A00, unsigned execute_options = 0x2000);
+
+// What was raised, as "Class: message" lines; empty for nothing.
+std::string Raised(const Outcome& outcome);
+
+}  // namespace tests
+
+#endif  // ZRK_TESTS_SESSION_H

@@ -26,6 +26,8 @@ ffi_type* FfiType(Kind kind) {
 
 MethodCall::MethodCall(Host& host, HostInstance& object, const std::string& name)
     : host_(host), class_name_(object.class_name()), name_(name) {
+  types_.reserve(4);
+  slots_.reserve(4);
   Push(&ffi_type_pointer, {.handle = object.handle()});
 }
 
@@ -70,7 +72,7 @@ MethodCall::Slot MethodCall::Invoke(zrk::HostFunction function, ffi_type* result
 Outcome MethodCall::Run(zrk::HostFunction function, const Type& result) {
   if (!function) throw CallError(class_name_ + "." + name_ + " is registered without a function");
   if (!host_.accounts().OnHostThread()) throw CallError(name_ + " called on a foreign thread");
-  Trace("> " + class_name_ + "." + name_ + "(" + shown_ + ")");
+  if (host_.options().trace) TraceStart();
   const char* const outer_method = host_.accounts().EnterMethod(name_.c_str());
   std::vector<HostError> outer_errors = std::exchange(host_.pending_errors_, {});
   const Slot slot = Invoke(function, FfiType(result.kind));
@@ -78,8 +80,7 @@ Outcome MethodCall::Run(zrk::HostFunction function, const Type& result) {
   outcome.value = Result(slot, result.kind);
   outcome.errors = std::exchange(host_.pending_errors_, std::move(outer_errors));
   host_.accounts().ResumeMethod(outer_method);
-  const bool shows = result.kind != Kind::kNil;
-  Trace("< " + class_name_ + "." + name_ + (shows ? " -> " + outcome.value.Describe() : ""));
+  if (host_.options().trace) TraceEnd(outcome.value);
   return outcome;
 }
 
@@ -102,8 +103,13 @@ Value MethodCall::Result(const Slot& slot, Kind kind) const {
   return Value(kind, Reference::Adopt(slot.handle));
 }
 
-void MethodCall::Trace(const std::string& line) const {
-  if (host_.options().trace) host_.options().trace(line);
+void MethodCall::TraceStart() const {
+  host_.options().trace("> " + class_name_ + "." + name_ + "(" + shown_ + ")");
+}
+
+void MethodCall::TraceEnd(const Value& result) const {
+  const std::string shown = result.kind() == Kind::kNil ? "" : " -> " + result.Describe();
+  host_.options().trace("< " + class_name_ + "." + name_ + shown);
 }
 
 }  // namespace standin

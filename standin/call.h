@@ -4,7 +4,6 @@
 
 #include <ffi.h>
 
-#include <deque>
 #include <string>
 #include <vector>
 
@@ -44,13 +43,14 @@ class MethodCall {
   void Push(ffi_type* type, Slot slot);
   Slot Invoke(zrk::HostFunction function, ffi_type* result);
   Value Result(const Slot& slot, Kind kind) const;
-  void Trace(const std::string& line) const;
+  void TraceStart() const;
+  void TraceEnd(const Value& result) const;
 
   Host& host_;
   const std::string& class_name_;
   const std::string& name_;
   std::vector<ffi_type*> types_;
-  std::deque<Slot> slots_;
+  std::vector<Slot> slots_;
   std::string shown_;
 };
 

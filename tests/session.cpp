@@ -44,6 +44,14 @@ std::string NameOf(const standin::HostOptions& options) {
   return name.str();
 }
 
+void OnEachHost(const std::function<void(Session&)>& test) {
+  for (const standin::HostOptions& options : HostKinds()) {
+    SCOPED_TRACE(NameOf(options));
+    Session session(options);
+    test(session);
+  }
+}
+
 namespace {
 
 void DescribeGroup(std::ostream& out, int group, int start, int end, const std::string& text) {

@@ -7,6 +7,7 @@
 #ifndef ZRK_TESTS_SESSION_H
 #define ZRK_TESTS_SESSION_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,9 @@ class Session {
 std::vector<standin::HostOptions> HostKinds();
 // "2013.04", or "2013.04 without direct storage", for SCOPED_TRACE.
 std::string NameOf(const standin::HostOptions& options);
+
+// Runs a test on a host of every kind; its failures name the host.
+void OnEachHost(const std::function<void(Session&)>& test);
 
 // The state after a match as one line: `1 err=0 0-3 "abc" 1:unset 2:1-2 "b"`, the result first, the
 // groups as far as the pattern has them.

@@ -29,6 +29,9 @@ struct NeutralResult<void> {
   void operator()() const {}
 };
 
+// The host's entry of the first name it has; the second one may be null.
+void* AskHost(const char* name, const char* second_name);
+
 template <Binding kBinding, typename Signature>
 class Service;
 
@@ -44,19 +47,15 @@ class Service<kBinding, Result(Arguments...)> {
   }
 
   // Whether the host has the service; binds it if that has not been tried.
-  bool IsAvailable() {
-    if (function_ == nullptr && !asked_) Bind();
-    return function_ != nullptr;
-  }
+  bool IsAvailable() { return function_ != nullptr || (!asked_ && Bind()); }
 
  private:
   using Function = Result (*)(Arguments...);
 
-  void Bind() {
+  bool Bind() {
     asked_ = kBinding == Binding::Guarded;
-    void* found = gResolver(name_);
-    if (found == nullptr && second_name_ != nullptr) found = gResolver(second_name_);
-    function_ = reinterpret_cast<Function>(found);
+    function_ = reinterpret_cast<Function>(AskHost(name_, second_name_));
+    return function_ != nullptr;
   }
 
   const char* name_;

@@ -27,6 +27,11 @@ std::int32_t ControlVersionOf(double host_version) {
 
 }  // namespace
 
+void* AskHost(const char* name, const char* second_name) {
+  void* const found = gResolver(name);
+  return found != nullptr || second_name == nullptr ? found : gResolver(second_name);
+}
+
 void ConnectHost(HostResolver resolver) {
   gResolver = resolver;
   if (resolver != nullptr) {

@@ -55,15 +55,15 @@ inline RegExClassData& DataOf(REALobjectStruct* object) {
 // Releases the current subject. Numbers of the last match, the pattern and its study block stay.
 void ClearText(RegExClassData& data);
 
+// Releases a memory block that is kept as the subject but was resized since: its bytes are not
+// where they were. Called before the kept subject is used again.
+void ForgetLostSubject(RegExClassData& data);
+
 // Frees the compiled pattern and its study block.
 void ClearPattern(RegExClassData& data);
 
 // Whether the object has its vector; raises "NilObjectException" otherwise.
 bool RequireVector(const RegExClassData& data);
-
-// What the engine is shown instead of TextPointer when it is told not to check its UTF-8. Throws
-// std::bad_alloc on the first call for a subject, nothing on later ones.
-const unsigned char* EngineSubject(const RegExClassData& data);
 
 // The notes that go with the kept subject, or null where none is kept.
 SubjectNotes* NotesOf(const RegExClassData& data);

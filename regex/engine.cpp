@@ -26,12 +26,19 @@ unsigned long OwnRecursionLimit(const pcre_extra* extra) {
 
 // The limit goes into a copy of the extra block, so that what the script and the study set stays.
 int RunWithLimit(const EngineCall& call, unsigned long limit) {
-  pcre_extra limited{};
-  if (call.extra != nullptr) limited = *call.extra;
+  pcre_extra limited = call.extra != nullptr ? *call.extra : pcre_extra{};
   limited.flags |= PCRE_EXTRA_MATCH_LIMIT_RECURSION;
   limited.match_limit_recursion = limit;
   return pcre_exec(call.code, &limited, AsChars(call.subject), call.length, call.start,
                    call.options, call.vector, call.vector_size);
+}
+
+// Whether the engine would take the call's subject for UTF-8 without checking it.
+bool ReadsUnchecked(const EngineCall& call) {
+  if ((call.options & PCRE_NO_UTF8_CHECK) == 0) return false;
+  unsigned long compiled_with = 0;
+  pcre_fullinfo(call.code, nullptr, PCRE_INFO_OPTIONS, &compiled_with);
+  return (compiled_with & PCRE_UTF8) != 0;
 }
 
 struct DeepCall {
@@ -89,16 +96,15 @@ EngineCall PrepareUnlimitedCall(const RegExClassData& data) {
           .vector_size = data.VectorSize};
 }
 
-void SetSubject(EngineCall& call, rbText& text) {
-  call.subject = ReadsUnchecked(call) ? text.EngineBytes() : text.UTF8Bytes();
-  call.length = text.UTF8Length();
+void SetSubject(EngineCall& call, const unsigned char* bytes, std::int32_t length,
+                SubjectNotes& notes) {
+  const bool as_it_is = notes.AreKnownSafe() || !ReadsUnchecked(call);
+  call.subject = as_it_is ? bytes : notes.EngineBytes(bytes, static_cast<std::size_t>(length));
+  call.length = length;
 }
 
-bool ReadsUnchecked(const EngineCall& call) {
-  if ((call.options & PCRE_NO_UTF8_CHECK) == 0) return false;
-  unsigned long compiled_with = 0;
-  pcre_fullinfo(call.code, nullptr, PCRE_INFO_OPTIONS, &compiled_with);
-  return (compiled_with & PCRE_UTF8) != 0;
+void SetSubject(EngineCall& call, rbText& text) {
+  SetSubject(call, text.UTF8Bytes(), text.UTF8Length(), text.notes());
 }
 
 }  // namespace zrk

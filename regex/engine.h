@@ -36,12 +36,12 @@ EngineCall PrepareCall(RegExClassData& data);
 // The same without the script's limits, as the threaded methods run it.
 EngineCall PrepareUnlimitedCall(const RegExClassData& data);
 
-// Points the call at a text: as it is, or as the adapter shows it to an engine that does not check
-// its UTF-8. Throws std::bad_alloc.
+// Points the call at a subject: at its own bytes, or, where the engine would take bytes for UTF-8
+// without checking them that could lead it astray, at the copy that the notes keep. Throws
+// std::bad_alloc, on the first call for a subject only.
+void SetSubject(EngineCall& call, const unsigned char* bytes, std::int32_t length,
+                SubjectNotes& notes);
 void SetSubject(EngineCall& call, rbText& text);
-
-// Whether the engine would read the call's subject as UTF-8 without checking it.
-bool ReadsUnchecked(const EngineCall& call);
 
 }  // namespace zrk
 

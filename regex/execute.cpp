@@ -54,9 +54,12 @@ bool KeepMemory(RegExClassData& data, REALmemoryBlockStruct* block, HostInteger 
 }
 
 void PointAtSubject(EngineCall& call, const RegExClassData& data, HostInteger start) {
-  call.subject = ReadsUnchecked(call) ? EngineSubject(data) : data.TextPointer;
-  call.length = data.TextLength;
   call.start = start;
+  if (SubjectNotes* const notes = NotesOf(data)) {
+    SetSubject(call, data.TextPointer, data.TextLength, *notes);
+  } else {
+    call.length = data.TextLength;  // and no bytes, which the engine refuses
+  }
 }
 
 HostInteger Run(RegExClassData& data, HostInteger start) {
@@ -78,7 +81,8 @@ void WorkExecute(void* object) {
 
 HostInteger RunOnWorker(REALobjectStruct* object, RegExClassData& data, HostInteger start) {
   data.StartOffset = start;
-  EngineSubject(data);
+  EngineCall made_ready = PrepareUnlimitedCall(data);
+  PointAtSubject(made_ready, data, start);
   RunThreaded(object, WorkExecute, nullptr);
   return data.Count;
 }
@@ -108,6 +112,7 @@ HostInteger rb_pcre_execAgain(RegExClassData& data, HostInteger start) {
   data.Lasterror = kErrorPlugin;
   data.Count = 0;
   if (!BeginMatch(data) || data.Handle == nullptr) return 0;
+  ForgetLostSubject(data);
   return Run(data, start);
 }
 
@@ -133,6 +138,7 @@ HostInteger rb_pcre_execMT(REALobjectStruct* object, REALstringStruct* text, Hos
 HostInteger rb_pcre_execAgainMT(REALobjectStruct* object, HostInteger start) {
   RegExClassData& data = DataOf(object);
   if (!BeginMatch(data) || data.Handle == nullptr) return 0;
+  ForgetLostSubject(data);
   const auto kept_alive = ObjectReference::Share(object);
   return RunOnWorker(object, data, start);
 }

@@ -46,6 +46,10 @@ void ClearText(RegExClassData& data) {
   delete std::exchange(data.MemoryAdapter, nullptr);
 }
 
+void ForgetLostSubject(RegExClassData& data) {
+  if (data.MemoryAdapter != nullptr && !data.MemoryAdapter->IsUnchanged()) ClearText(data);
+}
+
 void ClearPattern(RegExClassData& data) {
   if (data.StudyExtra != nullptr) pcre_free_study(std::exchange(data.StudyExtra, nullptr));
   if (data.Handle != nullptr) pcre_free(std::exchange(data.Handle, nullptr));
@@ -60,12 +64,6 @@ bool RequireVector(const RegExClassData& data) {
 SubjectNotes* NotesOf(const RegExClassData& data) {
   if (data.TextPointer == nullptr) return nullptr;
   return data.TextAdapter != nullptr ? &data.TextAdapter->notes() : &data.MemoryAdapter->notes();
-}
-
-const unsigned char* EngineSubject(const RegExClassData& data) {
-  SubjectNotes* const notes = NotesOf(data);
-  if (notes == nullptr) return nullptr;
-  return notes->EngineBytes(data.TextPointer, static_cast<std::size_t>(data.TextLength));
 }
 
 }  // namespace zrk

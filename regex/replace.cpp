@@ -52,6 +52,7 @@ REALstringStruct* Replaces(RegExClassData& data, REALstringStruct* new_text, boo
     data.Lasterror = 0;
     return nullptr;
   }
+  ForgetLostSubject(data);
   const MatchResult match = LastMatch(data);
   if (match.subject == nullptr || !match[0].LiesWithin(match.length)) return nullptr;
 

@@ -30,6 +30,7 @@ std::optional<std::int32_t> EntryAt(const RegExClassData& data, HostInteger inde
 bool BeginSubstring(RegExClassData& data) {
   if (!RequireVector(data)) return false;
   data.Lasterror = kErrorPlugin;
+  ForgetLostSubject(data);
   return data.Handle != nullptr;
 }
 
@@ -78,6 +79,7 @@ HostInteger GetOffset(RegExClassData& data, HostInteger index) {
 
 HostInteger GetOffsetChar(RegExClassData& data, HostInteger index) {
   const std::int32_t offset = EntryAt(data, index, "OffsetCharacters").value_or(0);
+  ForgetLostSubject(data);
   SubjectNotes* const notes = NotesOf(data);
   if (offset < 1 || notes == nullptr) return 0;
   return static_cast<HostInteger>(notes->CharactersBefore(

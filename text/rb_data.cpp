@@ -7,14 +7,34 @@
 
 namespace zrk {
 
+namespace {
+
+struct BlockBytes {
+  const unsigned char* data;
+  std::int32_t size;
+};
+
+BlockBytes ReadBlock(REALmemoryBlockStruct* block) {
+  const bool ask = HostIsAtLeast(kHostHidesItsRecords);
+  const std::int32_t size = ask ? REALMemoryBlockGetSize(block) : block->Size;
+  const unsigned char* const data = ask ? REALMemoryBlockGetPtr(block) : block->Data;
+  return {data, data != nullptr ? std::max(size, 0) : 0};
+}
+
+}  // namespace
+
 rbData::rbData(REALmemoryBlockStruct* block, std::uint32_t /*offset*/,
                std::uint32_t /*length*/) noexcept
     : SourceBlock(ObjectReference::Share(AsObject(block))) {
   if (block == nullptr) return;
-  const bool ask = HostIsAtLeast(kHostHidesItsRecords);
-  const std::int32_t size = ask ? REALMemoryBlockGetSize(block) : block->Size;
-  BlockData = ask ? REALMemoryBlockGetPtr(block) : block->Data;
-  if (BlockData != nullptr) BlockSize = std::max(size, 0);
+  const BlockBytes bytes = ReadBlock(block);
+  BlockData = bytes.data;
+  BlockSize = bytes.size;
+}
+
+bool rbData::IsUnchanged() const {
+  const BlockBytes bytes = ReadBlock(block());
+  return bytes.data == BlockData && bytes.size == BlockSize;
 }
 
 }  // namespace zrk

@@ -21,10 +21,18 @@ class rbData {
   // In bytes, never negative; 0 where there are no bytes.
   std::int32_t size() const { return BlockSize; }
 
+  // Whether the block still has those bytes where they were: a script may resize a block that is
+  // kept as a subject.
+  bool IsUnchanged() const;
+
   // Notes about the bytes, for a block that is kept as a subject.
   SubjectNotes& notes() { return Notes; }
 
  private:
+  REALmemoryBlockStruct* block() const {
+    return reinterpret_cast<REALmemoryBlockStruct*>(SourceBlock.get());
+  }
+
   ObjectReference SourceBlock;
   const unsigned char* BlockData = nullptr;
   std::int32_t BlockSize = 0;

@@ -1,7 +1,10 @@
 #include "text/rb_text.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <new>
+#include <utility>
 
 #include "host/services.h"
 #include "host/state.h"
@@ -48,6 +51,9 @@ rbText::rbText(REALstringStruct* string) noexcept {
   std::fill_n(FormData.begin(), kSingleByteForms, EmptyBuffer);
   FormData[kSingleByteForms] = AsBytes(EmptyBufferUInt16);
   FormData[kSingleByteForms + 1] = AsBytes(EmptyBufferUInt32);
+  FormString[kUTF8] = nullptr;
+  FormBuffer[kUTF8] = nullptr;
+  FormDisposeFlag[kUTF8] = false;
   if (string == nullptr) return;
   SourceString = StringReference::Share(string);
   FormLength.fill(-1);
@@ -115,9 +121,8 @@ bool rbText::FetchUTF8() {
                         (text->Encoding == kEncodingUTF8 || text->Encoding == kEncodingASCII);
   if (!readable && HostIsAtLeast(kHostConvertsOnRequest)) return FetchStringData();
   if (!readable) {
-    FormString[kUTF8] =
-        StringReference::Adopt(REALConvertString(SourceString.get(), kEncodingUTF8));
-    text = FormString[kUTF8].get();
+    FormString[kUTF8] = REALConvertString(SourceString.get(), kEncodingUTF8);
+    text = FormString[kUTF8];
     if (text == nullptr) return false;
   }
   FormData[kUTF8] = TextOf(text);
@@ -144,19 +149,32 @@ void rbText::Terminate() {
   FormLength[kUTF8] = 0;
   if (!FitsWithTerminator(length)) return;
   const auto size = static_cast<std::size_t>(length + kTerminatorBytes);
-  FormBuffer[kUTF8].reset(static_cast<unsigned char*>(std::calloc(size, 1)));
+  FormBuffer[kUTF8] = static_cast<unsigned char*>(std::calloc(size, 1));
   if (FormBuffer[kUTF8] == nullptr) return;
-  std::memcpy(FormBuffer[kUTF8].get(), text, static_cast<std::size_t>(length));
-  FormData[kUTF8] = FormBuffer[kUTF8].get();
+  std::memcpy(FormBuffer[kUTF8], text, static_cast<std::size_t>(length));
+  FormData[kUTF8] = FormBuffer[kUTF8];
   FormLength[kUTF8] = length;
 }
 
 rbText::~rbText() {
   SourceString.Reset();
-  for (StringReference& string : FormString) string.Reset();
-  for (std::size_t form = 0; form < kForms; ++form) {
-    if (FormDisposeFlag[form]) REALDisposeStringData(&FormStringData[form]);
-  }
+  if (AsciiShared) return;
+  Release(FormString[kUTF8]);
+  if (FormDisposeFlag[kUTF8]) REALDisposeStringData(&FormStringData[kUTF8]);
+  std::free(FormBuffer[kUTF8]);
+}
+
+namespace {
+void* spare_memory = nullptr;
+}  // namespace
+
+void* rbText::operator new(std::size_t size) {
+  void* const memory = std::exchange(spare_memory, nullptr);
+  return memory != nullptr ? memory : ::operator new(size);
+}
+
+void rbText::operator delete(void* memory) {
+  ::operator delete(std::exchange(spare_memory, memory));
 }
 
 }  // namespace zrk

@@ -9,17 +9,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 #include "host/references.h"
 #include "text/subject_notes.h"
 
 namespace zrk {
-
-struct FreeMemory {
-  void operator()(void* memory) const { std::free(memory); }
-};
 
 class rbText {
  public:
@@ -42,13 +36,13 @@ class rbText {
     return FormLength[kUTF8];
   }
 
-  // The UTF-8 bytes as the engine may read them unchecked. Throws std::bad_alloc.
-  const unsigned char* EngineBytes() {
-    return Notes.EngineBytes(UTF8Bytes(), static_cast<std::size_t>(UTF8Length()));
-  }
-
   // Notes about the UTF-8 form, for a text that is kept as a subject.
   SubjectNotes& notes() { return Notes; }
+
+  // A kept subject ends where the next one begins, so its memory is handed from one to the other.
+  // [host thread]
+  static void* operator new(std::size_t size);
+  static void operator delete(void* memory);
 
  private:
   // Five single-byte forms, one of 16-bit and one of 32-bit units. Only UTF-8 is ever asked for;
@@ -67,12 +61,14 @@ class rbText {
   void Terminate();
 
   StringReference SourceString;
-  std::array<StringReference, kForms> FormString;
+  // Of what a conversion leaves behind only the UTF-8 form's entry is ever set, and read; a text
+  // that is used in place touches none of it.
+  REALstringStruct* FormString[kForms];  // one reference
   std::array<std::int32_t, kForms> FormLength{};
   std::array<const unsigned char*, kForms> FormData;
-  std::array<std::unique_ptr<unsigned char, FreeMemory>, kForms> FormBuffer;
-  std::array<REALstringData, kForms> FormStringData;  // filled where the flag below is set
-  std::array<bool, kForms> FormDisposeFlag{};
+  unsigned char* FormBuffer[kForms];      // owned, freed with free
+  REALstringData FormStringData[kForms];  // to be disposed where the flag is set
+  bool FormDisposeFlag[kForms];
   bool AsciiShared = false;
   bool ConversionFailed = false;
 

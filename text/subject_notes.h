@@ -19,6 +19,9 @@ class SubjectNotes {
   // Notes that the bytes are ASCII, which answers every question at once.
   void SetASCII() { state_ = State::ASCII; }
 
+  // Whether the subject's own bytes are known to be safe for an engine that does not check them.
+  bool AreKnownSafe() const { return state_ == State::ASCII || state_ == State::Safe; }
+
   // The bytes to show an engine that does not check its UTF-8: the subject itself, or a copy of the
   // same length without unsafe bytes, owned by these notes. Throws std::bad_alloc.
   const unsigned char* EngineBytes(const unsigned char* bytes, std::size_t length);

@@ -3,7 +3,6 @@
 #include "text/utf8.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -12,8 +11,7 @@ namespace zrk {
 namespace {
 
 constexpr std::size_t kBlock = 256;
-constexpr std::uint64_t kEachByte = 0x0101010101010101;
-constexpr std::uint64_t kHighBits = 0x80 * kEachByte;
+constexpr std::uint64_t kHighBits = 0x8080808080808080;
 constexpr unsigned char kLastSafeLead = 0xF4;
 constexpr unsigned char kSubstitute = 0x1A;
 
@@ -34,10 +32,6 @@ unsigned char LargestOfBlock(const unsigned char* block) {
 std::uint64_t LoadWord(const unsigned char* bytes) {
   std::uint64_t word;
   std::memcpy(&word, bytes, sizeof word);
-  if constexpr (std::endian::native == std::endian::big) {
-    std::reverse(reinterpret_cast<unsigned char*>(&word),
-                 reinterpret_cast<unsigned char*>(&word) + sizeof word);
-  }
   return word;
 }
 
@@ -71,14 +65,15 @@ void ForEachUnsafeByte(const unsigned char* bytes, std::size_t length, Found fou
 }  // namespace
 
 bool IsASCII(const unsigned char* bytes, std::size_t length) {
+  constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
   std::size_t at = 0;
   for (; at + kBlock <= length; at += kBlock) {
     if (UnionOfBlock(bytes + at) >= 0x80) return false;
   }
-  for (; at + sizeof(std::uint64_t) <= length; at += sizeof(std::uint64_t)) {
-    if ((LoadWord(bytes + at) & kHighBits) != 0) return false;
-  }
-  return std::all_of(bytes + at, bytes + length, [](unsigned char byte) { return byte < 0x80; });
+  std::uint64_t bits = 0;
+  for (; at + kWordBytes <= length; at += kWordBytes) bits |= LoadWord(bytes + at);
+  for (; at < length; ++at) bits |= bytes[at];
+  return (bits & kHighBits) == 0;
 }
 
 CharacterPosition WalkCharacters(const unsigned char* bytes, CharacterPosition from,

@@ -3,15 +3,22 @@
 #include "text/utf8.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 
 namespace zrk {
 
 namespace {
 
 constexpr std::size_t kBlock = 256;
-constexpr std::uint64_t kHighBits = 0x8080808080808080;
+// Short enough for a count of its characters to fit a byte.
+constexpr std::size_t kSequenceBlock = 128;
+constexpr int kLongestSequence = 4;
+constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
+constexpr std::uint64_t kEachByte = 0x0101010101010101;
+constexpr std::uint64_t kHighBits = 0x80 * kEachByte;
 constexpr unsigned char kLastSafeLead = 0xF4;
 constexpr unsigned char kSubstitute = 0x1A;
 
@@ -33,6 +40,55 @@ std::uint64_t LoadWord(const unsigned char* bytes) {
   std::uint64_t word;
   std::memcpy(&word, bytes, sizeof word);
   return word;
+}
+
+// How far a character that begins in the block's last bytes reaches past its end.
+std::size_t Overhang(const unsigned char* block_end) {
+  for (int back = kLongestSequence - 1; back >= 1; --back) {
+    const int length = SequenceLength(block_end[-back]);
+    if (length > back) return static_cast<std::size_t>(length - back);
+  }
+  return 0;
+}
+
+// Which bytes of a word are what, each by its highest bit.
+struct ByteKinds {
+  std::uint64_t continuation;
+  std::uint64_t announces_one;  // at least one more byte
+  std::uint64_t announces_two;
+  std::uint64_t announces_three;
+};
+
+ByteKinds KindsOf(std::uint64_t word) {
+  const std::uint64_t lead = word & (word << 1) & kHighBits;
+  const std::uint64_t long_lead = lead & (word << 2);
+  const std::uint64_t longest_lead = long_lead & (word << 3);
+  const std::uint64_t without_length = longest_lead & (word << 4);
+  return {word & ~(word << 1) & kHighBits, lead & ~without_length, long_lead & ~without_length,
+          longest_lead & ~without_length};
+}
+
+// Counts a block that begins with a character and in which continuation bytes stand exactly where
+// lead bytes announce them: there the walk steps on every other byte. Nothing for any other block.
+std::optional<CharacterPosition> CountRegularBlock(const unsigned char* block) {
+  static_assert(std::endian::native == std::endian::little, "a word's first byte is its lowest");
+  std::uint64_t irregular = 0;
+  std::uint64_t continuations = 0;
+  ByteKinds before{};
+  for (std::size_t at = 0; at < kSequenceBlock; at += kWordBytes) {
+    const ByteKinds kinds = KindsOf(LoadWord(block + at));
+    const std::uint64_t announced = kinds.announces_one << 8 | kinds.announces_two << 16 |
+                                    kinds.announces_three << 24 | before.announces_one >> 56 |
+                                    before.announces_two >> 48 | before.announces_three >> 40;
+    irregular |= kinds.continuation ^ announced;
+    continuations += kinds.continuation >> 7;
+    before = kinds;
+  }
+  if (irregular != 0) return std::nullopt;
+  // Every byte of the word holds a count of at most a block's words; the product adds them up.
+  const std::size_t stepped_over = (continuations * kEachByte) >> 56;
+  return CharacterPosition{kSequenceBlock + Overhang(block + kSequenceBlock),
+                           kSequenceBlock - stepped_over};
 }
 
 // Whether the byte at `at` is unsafe by its value and what follows it; runs at the start apart.
@@ -65,7 +121,6 @@ void ForEachUnsafeByte(const unsigned char* bytes, std::size_t length, Found fou
 }  // namespace
 
 bool IsASCII(const unsigned char* bytes, std::size_t length) {
-  constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
   std::size_t at = 0;
   for (; at + kBlock <= length; at += kBlock) {
     if (UnionOfBlock(bytes + at) >= 0x80) return false;
@@ -85,7 +140,14 @@ CharacterPosition WalkCharacters(const unsigned char* bytes, CharacterPosition f
       characters += kBlock;
       continue;
     }
-    for (const std::size_t end = std::min(position + kBlock, offset); position < end;) {
+    if (position + kSequenceBlock <= offset) {
+      if (const auto block = CountRegularBlock(bytes + position)) {
+        position += block->position;
+        characters += block->characters;
+        continue;
+      }
+    }
+    for (const std::size_t end = std::min(position + kSequenceBlock, offset); position < end;) {
       position += static_cast<std::size_t>(SequenceLength(bytes[position]));
       ++characters;
     }

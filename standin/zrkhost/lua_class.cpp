@@ -1,0 +1,122 @@
+#include "standin/zrkhost/lua_class.h"
+
+#include <string>
+#include <variant>
+
+#include "standin/zrkhost/lua_boundary.h"
+#include "standin/zrkhost/lua_values.h"
+#include "standin/zrkhost/members.h"
+
+namespace standin::zrkhost {
+namespace {
+
+// The registry's table of functions that call methods, by the names that programs wrote.
+constexpr const char* kCallers = "host methods";
+
+// The name of the method or class that a function is for.
+const char* OwnName(lua_State* L) { return lua_tostring(L, lua_upvalueindex(1)); }
+
+int CallMethod(lua_State* L) {
+  const std::string name = OwnName(L);
+  if (!luaL_testudata(L, 1, kHandle)) {
+    throw CallError(name + " is called with a colon: object:" + name + "(...)");
+  }
+  const Object object(CheckHandle(L, 1));
+  PushValue(L, object.Call(name, ToValues(L, 2)));
+  return 1;
+}
+
+void PushCaller(lua_State* L, std::string_view name) {
+  luaL_getsubtable(L, LUA_REGISTRYINDEX, kCallers);
+  lua_pushlstring(L, name.data(), name.size());
+  lua_pushvalue(L, -1);
+  if (lua_rawget(L, -3) == LUA_TNIL) {
+    lua_pop(L, 1);
+    lua_pushvalue(L, -1);
+    lua_pushcclosure(L, Entry<CallMethod>, 1);
+    lua_pushvalue(L, -2);
+    lua_pushvalue(L, -2);
+    lua_rawset(L, -5);
+  }
+  lua_replace(L, -3);
+  lua_pop(L, 1);
+}
+
+void PushLiteral(lua_State* L, const Literal& literal) {
+  struct Pusher {
+    lua_State* L;
+    void operator()(std::monostate) const { lua_pushnil(L); }
+    void operator()(std::int32_t number) const { lua_pushinteger(L, number); }
+    void operator()(bool truth) const { lua_pushboolean(L, truth); }
+    void operator()(const std::string& text) const { lua_pushlstring(L, text.data(), text.size()); }
+  };
+  std::visit(Pusher{L}, literal);
+}
+
+int New(lua_State* L) {
+  PushHandle(L, Host::Current()->New(OwnName(L), ToValues(L, 1)).value());
+  return 1;
+}
+
+// A call of the class itself has the class as its first argument.
+int Construct(lua_State* L) {
+  lua_remove(L, 1);
+  return New(L);
+}
+
+int ClassMember(lua_State* L) {
+  const ClassInfo& info = *Host::Current()->FindClass(OwnName(L));
+  const std::string name = luaL_checkstring(L, 2);
+  if (SameName(name, "new")) {
+    lua_pushvalue(L, lua_upvalueindex(1));
+    lua_pushcclosure(L, Entry<New>, 1);
+  } else if (const Constant* constant = info.FindConstant(name)) {
+    PushLiteral(L, constant->declaration.value);
+  } else {
+    throw CallError(info.name() + " itself has \"new\" and constants, but no \"" + name + "\"");
+  }
+  return 1;
+}
+
+int RefuseMember(lua_State* L) {
+  throw CallError(std::string(OwnName(L)) + ": a class takes no new members");
+}
+
+int ClassText(lua_State* L) {
+  lua_pushfstring(L, "class %s", OwnName(L));
+  return 1;
+}
+
+constexpr luaL_Reg kClassEvents[] = {{"__call", Entry<Construct>},
+                                     {"__index", Entry<ClassMember>},
+                                     {"__newindex", Entry<RefuseMember>},
+                                     {"__tostring", Entry<ClassText>},
+                                     {nullptr, nullptr}};
+
+}  // namespace
+
+void PushMember(lua_State* L, const Object& object, std::string_view name) {
+  const ClassInfo& info = object.class_info();
+  if (info.FindProperty(name)) {
+    PushValue(L, object.Get(name));
+  } else if (const Constant* constant = info.FindConstant(name)) {
+    PushLiteral(L, constant->declaration.value);
+  } else if (!info.FindMethods(name).empty()) {
+    PushCaller(L, name);
+  } else {
+    throw CallError(NoMemberText(info, name));
+  }
+}
+
+void InstallClasses(lua_State* L, const Host& host) {
+  for (const auto& info : host.classes()) {
+    lua_newtable(L);
+    lua_newtable(L);
+    lua_pushstring(L, info->name().c_str());
+    luaL_setfuncs(L, kClassEvents, 1);
+    lua_setmetatable(L, -2);
+    lua_setglobal(L, info->name().c_str());
+  }
+}
+
+}  // namespace standin::zrkhost

@@ -1,0 +1,112 @@
+#include "standin/zrkhost/lua_host.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "host/records.h"
+#include "standin/encoding.h"
+#include "standin/zrkhost/lua_boundary.h"
+#include "standin/zrkhost/lua_tasks.h"
+#include "standin/zrkhost/lua_values.h"
+
+namespace standin::zrkhost {
+namespace {
+
+std::string_view CheckText(lua_State* L, int index) {
+  std::size_t size = 0;
+  const char* bytes = luaL_checklstring(L, index, &size);
+  return {bytes, size};
+}
+
+std::uint32_t EncodingOf(const std::string& name) {
+  if (const auto encoding = EncodingByName(name)) return *encoding;
+  std::string names;
+  for (const std::uint32_t code :
+       {zrk::kEncodingUTF8, zrk::kEncodingUTF16, zrk::kEncodingUTF32, zrk::kEncodingASCII,
+        zrk::kEncodingISOLatin1, zrk::kEncodingWindowsLatin1, zrk::kEncodingMacRoman,
+        zrk::kEncodingUnknown}) {
+    names += (names.empty() ? "" : ", ") + EncodingName(code);
+  }
+  throw CallError("no encoding is called \"" + name + "\"; there are: " + names);
+}
+
+int MakeString(lua_State* L) {
+  const std::uint32_t encoding = EncodingOf(luaL_optstring(L, 2, "UTF-8"));
+  PushHandle(L, Host::Current()->String(CheckText(L, 1), encoding));
+  return 1;
+}
+
+int MakeMemoryBlock(lua_State* L) {
+  PushHandle(L, Host::Current()->MemoryBlock(CheckText(L, 1)));
+  return 1;
+}
+
+int MakeStringArray(lua_State* L) {
+  PushHandle(L, Host::Current()->StringArray(ToElements(L, 1)));
+  return 1;
+}
+
+int MakeVariantArray(lua_State* L) {
+  PushHandle(L, Host::Current()->VariantArray(ToElements(L, 1)));
+  return 1;
+}
+
+int MakeNull(lua_State* L) {
+  std::string name = luaL_checkstring(L, 1);
+  const bool array = name.ends_with("()");
+  if (array) name.resize(name.size() - 2);
+  const Value null = Value::Nil(ParseType(name, array).kind);
+  if (!null.IsNil()) throw CallError(name + " has no nil");
+  PushHandle(L, null);
+  return 1;
+}
+
+int ListProblems(lua_State* L) {
+  lua_newtable(L);
+  for (const std::string& problem : Host::Current()->Problems()) {
+    lua_pushstring(L, problem.c_str());
+    lua_rawseti(L, -2, luaL_len(L, -2) + 1);
+  }
+  return 1;
+}
+
+int Clock(lua_State* L) {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  lua_pushnumber(L, std::chrono::duration<lua_Number>(now).count());
+  return 1;
+}
+
+int IsTerminal(lua_State* L) {
+  lua_pushboolean(L, isatty(STDOUT_FILENO));
+  return 1;
+}
+
+constexpr luaL_Reg kFunctions[] = {{"string", Entry<MakeString>},
+                                   {"memoryblock", Entry<MakeMemoryBlock>},
+                                   {"stringarray", Entry<MakeStringArray>},
+                                   {"variantarray", Entry<MakeVariantArray>},
+                                   {"null", Entry<MakeNull>},
+                                   {"task", Entry<StartTask>},
+                                   {"yield", Entry<Yield>},
+                                   {"problems", Entry<ListProblems>},
+                                   {"clock", Entry<Clock>},
+                                   {"isatty", Entry<IsTerminal>},
+                                   {nullptr, nullptr}};
+
+}  // namespace
+
+void InstallHost(lua_State* L, const Host& host) {
+  luaL_newlib(L, kFunctions);
+  if (const auto version = host.options().version) {
+    lua_pushnumber(L, *version);
+    lua_setfield(L, -2, "version");
+  }
+  lua_setglobal(L, "host");
+}
+
+}  // namespace standin::zrkhost

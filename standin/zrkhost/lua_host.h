@@ -1,0 +1,26 @@
+// The global table `host`:
+//
+//   host.string(bytes [, encoding])   a host string of an encoding such as "Windows Latin-1"
+//   host.memoryblock(bytes)           a memory block
+//   host.stringarray(table), host.variantarray(table)
+//   host.null(type)                   a nil of a type such as "string()", to choose an overload
+//   host.task(function)               a cooperative task, resumed in each yield of the host
+//   host.yield()                      gives the tasks (or, in a task, the program) their turn
+//   host.version                      the version that the host claims, nil for none
+//   host.problems()                   what is wrong with the accounts so far
+//   host.clock()                      seconds of a clock that only goes forward
+//   host.isatty()                     whether the output goes to a terminal
+#ifndef ZRK_STANDIN_ZRKHOST_LUA_HOST_H
+#define ZRK_STANDIN_ZRKHOST_LUA_HOST_H
+
+#include <lua.hpp>
+
+#include "standin/host.h"
+
+namespace standin::zrkhost {
+
+void InstallHost(lua_State* L, const Host& host);
+
+}  // namespace standin::zrkhost
+
+#endif  // ZRK_STANDIN_ZRKHOST_LUA_HOST_H

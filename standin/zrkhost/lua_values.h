@@ -1,0 +1,38 @@
+// Values on their way between Lua and the host.
+//
+//   Lua                      host
+//   nil                      nil, of whatever kind fits
+//   boolean, number          Boolean, Integer (a number with a fraction: Double)
+//   string                   a UTF-8 string; strings come back as Lua strings in UTF-8
+//   table                    a string array, or a variant array where not all elements are strings
+//   handle (a userdata)      what it holds: string, memory block, array or object
+#ifndef ZRK_STANDIN_ZRKHOST_LUA_VALUES_H
+#define ZRK_STANDIN_ZRKHOST_LUA_VALUES_H
+
+#include <lua.hpp>
+
+#include "standin/value.h"
+
+namespace standin::zrkhost {
+
+// The name of the metatable that all handles have.
+inline constexpr const char* kHandle = "host value";
+
+// The value for what is at `index`; throws CallError where the host has nothing like it.
+Value ToValue(lua_State* L, int index);
+// The arguments from `first` to the top of the stack.
+Values ToValues(lua_State* L, int first);
+// The elements of the table at `index`, whose field "n", if there is one, says how many they are.
+Values ToElements(lua_State* L, int index);
+
+// Pushes a value: a null string as "", a string array as a table, other host things as handles.
+void PushValue(lua_State* L, const Value& value);
+// Pushes a handle, also for strings and string arrays. It gives its reference back when it is
+// collected or closed; then it is nil.
+void PushHandle(lua_State* L, Value value);
+// The value of the handle at `index`; another argument is a Lua error.
+const Value& CheckHandle(lua_State* L, int index);
+
+}  // namespace standin::zrkhost
+
+#endif  // ZRK_STANDIN_ZRKHOST_LUA_VALUES_H

@@ -1,0 +1,72 @@
+#include "standin/zrkhost/members.h"
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+namespace standin::zrkhost {
+namespace {
+
+// How many letters have to be put in, left out or changed to make one word the other.
+std::size_t Distance(std::string_view one, std::string_view other) {
+  std::vector<std::size_t> row(other.size() + 1);
+  std::iota(row.begin(), row.end(), 0U);
+  for (std::size_t i = 0; i < one.size(); ++i) {
+    std::size_t diagonal = row[0]++;
+    for (std::size_t j = 0; j < other.size(); ++j) {
+      const std::size_t changed = diagonal + (one[i] == other[j] ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
+    }
+  }
+  return row.back();
+}
+
+bool Alike(std::string_view one, std::string_view other) {
+  const std::string shorter = Folded(one.size() < other.size() ? one : other);
+  const std::string longer = Folded(one.size() < other.size() ? other : one);
+  const bool contained = shorter.size() >= 4 && longer.find(shorter) != std::string::npos;
+  return contained || Distance(shorter, longer) <= 1 + longer.size() / 5;
+}
+
+using Texts = std::vector<std::string>;
+
+Texts MembersLike(const ClassInfo& info, std::string_view name) {
+  Texts texts;
+  for (const Method& method : info.methods()) {
+    if (Alike(method.declaration.name, name)) texts.push_back(method.text);
+  }
+  for (const Property& property : info.properties()) {
+    if (Alike(property.name, name)) texts.push_back(PropertyText(property));
+  }
+  for (const Constant& constant : info.constants()) {
+    if (Alike(constant.declaration.name, name)) texts.push_back(constant.text);
+  }
+  return texts;
+}
+
+Texts AllMethods(const ClassInfo& info) {
+  Texts texts;
+  for (const Method& method : info.methods()) texts.push_back(method.text);
+  return texts;
+}
+
+}  // namespace
+
+std::string PropertyText(const Property& property) {
+  return property.name + " as " + property.type.name;
+}
+
+const char* AccessText(const Property& property) {
+  return property.setter ? "read and write" : "read only";
+}
+
+std::string NoMemberText(const ClassInfo& info, std::string_view name) {
+  Texts texts = MembersLike(info, name);
+  if (texts.empty()) texts = AllMethods(info);
+  std::string text = info.name() + " has no \"" + std::string(name) + "\"; it has:";
+  for (const std::string& member : texts) text += "\n  " + member;
+  return text;
+}
+
+}  // namespace standin::zrkhost

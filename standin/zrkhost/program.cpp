@@ -1,0 +1,96 @@
+#include "standin/zrkhost/program.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+#include "standin/zrkhost/lua_boundary.h"
+#include "standin/zrkhost/lua_class.h"
+#include "standin/zrkhost/lua_handles.h"
+#include "standin/zrkhost/lua_host.h"
+#include "standin/zrkhost/lua_tasks.h"
+#include "standin/zrkhost/repl.h"
+#include "standin/zrkhost/run.h"
+
+namespace standin::zrkhost {
+namespace {
+
+// os.exit of programs: the accounts have to balance here as well.
+int Exit(lua_State* L) {
+  auto* program = static_cast<Program*>(lua_touserdata(L, lua_upvalueindex(1)));
+  int status = kSuccess;
+  if (lua_isboolean(L, 1)) {
+    status = lua_toboolean(L, 1) ? kSuccess : kProgramFailed;
+  } else {
+    status = static_cast<int>(luaL_optinteger(L, 1, kSuccess));
+  }
+  std::exit(program->Finish(status));
+}
+
+void ReplaceExit(lua_State* L, Program* program) {
+  lua_getglobal(L, LUA_OSLIBNAME);
+  lua_pushlightuserdata(L, program);
+  lua_pushcclosure(L, Entry<Exit>, 1);
+  lua_setfield(L, -2, "exit");
+  lua_pop(L, 1);
+}
+
+}  // namespace
+
+Program::Program(Options options)
+    : options_(std::move(options)), library_(options_.library), host_(options_.host) {
+  library_.Start(host_);
+}
+
+void Program::OpenState() {
+  lua_.reset(luaL_newstate());
+  if (!lua_) throw std::bad_alloc();
+  lua_State* L = lua_.get();
+  luaL_openlibs(L);
+  InstallErrors(L);
+  InstallHandles(L);
+  InstallHost(L, host_);
+  InstallClasses(L, host_);
+  ReplaceExit(L, this);
+}
+
+bool Program::RunCode() {
+  for (const std::string& code : options_.code) {
+    if (!RunText(lua_.get(), code, "=(command line)")) return false;
+  }
+  return true;
+}
+
+bool Program::RunScript() {
+  if (!options_.script.empty()) return RunFile(lua_.get(), options_.script);
+  if (!options_.code.empty()) return true;
+  if (!isatty(STDIN_FILENO)) return RunFile(lua_.get(), {"-"});
+  Prompt(lua_.get());
+  return true;
+}
+
+int Program::Run() {
+  if (options_.describe) {
+    std::fputs(Describe(host_, *options_.describe).c_str(), stdout);
+    return Finish(kSuccess);
+  }
+  OpenState();
+  const bool succeeded = RunCode() && RunScript() && !TaskFailed(lua_.get());
+  return Finish(succeeded ? kSuccess : kProgramFailed);
+}
+
+int Program::Finish(int status) {
+  // Not reset(): while the state closes, nobody may find it and close it again.
+  if (lua_State* L = lua_.release()) lua_close(L);
+  std::fflush(stdout);
+  const auto problems = host_.Problems();
+  if (problems.empty()) return status;
+  std::fputs("zrkhost: the accounts do not balance:\n", stderr);
+  for (const std::string& problem : problems) std::fprintf(stderr, "  %s\n", problem.c_str());
+  return status == kSuccess ? kUnbalanced : status;
+}
+
+}  // namespace standin::zrkhost

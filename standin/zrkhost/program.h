@@ -1,0 +1,45 @@
+// One run of zrkhost: a host, the library that it loads, and the Lua state on top.
+#ifndef ZRK_STANDIN_ZRKHOST_PROGRAM_H
+#define ZRK_STANDIN_ZRKHOST_PROGRAM_H
+
+#include <lua.hpp>
+#include <memory>
+
+#include "standin/host.h"
+#include "standin/library.h"
+#include "standin/zrkhost/options.h"
+
+namespace standin::zrkhost {
+
+enum ExitStatus { kSuccess = 0, kProgramFailed = 1, kNotStarted = 2, kUnbalanced = 3 };
+
+class Program {
+ public:
+  // Throws std::exception with one line where the library or the host cannot be had.
+  explicit Program(Options options);
+
+  // Does what the options say and answers the exit status.
+  int Run();
+
+  // Ends the Lua state, which gives all references back, and looks at the accounts. Answers
+  // `status`, or kUnbalanced where that would be 0 and something is off.
+  int Finish(int status);
+
+ private:
+  struct CloseState {
+    void operator()(lua_State* L) const { lua_close(L); }
+  };
+
+  void OpenState();
+  bool RunCode();
+  bool RunScript();
+
+  Options options_;
+  Library library_;
+  Host host_;
+  std::unique_ptr<lua_State, CloseState> lua_;
+};
+
+}  // namespace standin::zrkhost
+
+#endif  // ZRK_STANDIN_ZRKHOST_PROGRAM_H

@@ -1,0 +1,161 @@
+// Memory blocks as patterns and as subjects: read in place, and never past their end.
+#include <gtest/gtest.h>
+#include <pcre.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tests/session.h"
+
+namespace {
+
+using namespace std::string_literals;
+using tests::Describe;
+using tests::DescribeDirectly;
+using tests::Kind;
+using tests::Object;
+using tests::OnEachHost;
+using tests::Raised;
+using tests::Session;
+using tests::Value;
+
+constexpr const char* kNil = "NilObjectException: ";
+
+std::string OutOfBounds(const std::string& parameter, const std::string& method, int value,
+                        int maximum) {
+  return "OutOfBoundsException: Parameter " + parameter + " to method " + method + " is too " +
+         (value < 0 ? "small" : "big") + ". Range is 0 to " + std::to_string(maximum) +
+         ", but value is " + std::to_string(value) + ".";
+}
+
+TEST(MemoryBlock, PatternsAreReadWithinTheBlock) {
+  struct Row {
+    std::string block;
+    int offset;
+    const char* matches;  // a text that the pattern matches whole; null for a refusal
+    std::string raised = "";
+  };
+  const Row rows[] = {
+      {"a+b\0"s, 0, "aab"},
+      {"a+b\0xyz"s, 0, "aab"},
+      {"xyz\0a+b\0"s, 4, "aab"},
+      {"a+b\0"s, 3, ""},
+      // No zero byte before the end: the end serves.
+      {"a+b", 0, "aab"},
+      {"a+b", 2, "b"},
+      {"a+b\0"s, -1, nullptr, OutOfBounds("ByteOffset", "CompileMemory", -1, 3)},
+      {"a+b\0"s, 4, nullptr, OutOfBounds("ByteOffset", "CompileMemory", 4, 3)},
+      {"a+b", INT32_MAX, nullptr, OutOfBounds("ByteOffset", "CompileMemory", INT32_MAX, 2)},
+      {"a+b", INT32_MIN, nullptr, OutOfBounds("ByteOffset", "CompileMemory", INT32_MIN, 2)},
+      {"", 0, nullptr, OutOfBounds("ByteOffset", "CompileMemory", 0, -1)},
+      {"a(\0"s, 0, nullptr},  // the engine's refusal raises nothing
+  };
+  OnEachHost([&](Session& session) {
+    for (const Row& row : rows) {
+      SCOPED_TRACE(testing::PrintToString(row.block) + " from " + std::to_string(row.offset));
+      const Object regex = session.Compiled("old");
+      const auto outcome =
+          regex.TryCall("CompileMemory", {session.host.MemoryBlock(row.block), row.offset});
+      EXPECT_EQ(Raised(outcome), row.raised);
+      EXPECT_EQ(outcome.value.Boolean(), row.matches != nullptr);
+      EXPECT_EQ(regex.Get("Handle").Integer() != 0, row.matches != nullptr)
+          << "a refusal leaves no pattern behind";
+      if (row.matches == nullptr) continue;
+      EXPECT_EQ(regex.Call("Execute", {row.matches}).Integer(), 1);
+      EXPECT_EQ(regex.Call("Offset", {1}).Integer(),
+                static_cast<int>(std::string_view(row.matches).size()));
+    }
+  });
+}
+
+TEST(MemoryBlock, ARefusalKeepsTheLastCompileError) {
+  Session session;
+  const Object regex = session.New();
+  EXPECT_FALSE(regex.Call("CompileMemory", {session.host.MemoryBlock("ab(\0"s), 0}).Boolean());
+  EXPECT_EQ(regex.Get("ErrorMessage").UTF8(), "missing )");
+  regex.TryCall("CompileMemory", {session.host.MemoryBlock("ab"), 2});
+  EXPECT_EQ(regex.Get("ErrorOffset").Integer(), 3);
+  EXPECT_TRUE(regex.Get("ErrorMessage").IsNil());
+}
+
+// A block that is nil, or has no data whatever its size says.
+TEST(MemoryBlock, NothingToReadIsANilObject) {
+  OnEachHost([](Session& session) {
+    const Object regex = session.Compiled("a");
+    const Value nil = Value::Nil(Kind::kMemoryBlock);
+    const auto execute = regex.TryCall("ExecuteMemory", {nil});
+    EXPECT_EQ(Raised(execute), kNil + "text Memoryblock is nil"s);
+    EXPECT_EQ(Describe(regex, execute.value.Integer()), "0 err=-99");
+    for (const int size : {0, 5, -5}) {
+      const Value block = session.host.MemoryBlockWithoutData(size);
+      for (const int length : {0, 5}) {
+        EXPECT_EQ(regex.Call("ExecuteMemory", {block, 0, length}).Integer(), 0);
+        EXPECT_EQ(regex.Get("Lasterror").Integer(), PCRE_ERROR_NULL);
+        EXPECT_EQ(regex.Get("TextMemory").handle(), block.handle());
+      }
+      const auto compile = session.Compiled("a").TryCall("CompileMemory", {block, 0});
+      EXPECT_EQ(Raised(compile), kNil + "pattern Memoryblock is nil"s);
+    }
+    const auto compile = regex.TryCall("CompileMemory", {nil, 0});
+    EXPECT_EQ(Raised(compile), kNil + "pattern Memoryblock is nil"s);
+    EXPECT_FALSE(compile.value.Boolean());
+    EXPECT_EQ(regex.Get("Handle").Integer(), 0);
+  });
+}
+
+TEST(MemoryBlock, ANegativeSizeIsNone) {
+  OnEachHost([](Session& session) {
+    const Object regex = session.Compiled("^$");
+    const Value block = session.host.MemoryBlockClaiming("abc", -3);
+    EXPECT_EQ(regex.Call("ExecuteMemory", {block}).Integer(), 1);
+    EXPECT_EQ(Raised(regex.TryCall("ExecuteMemory", {block, 0, 1})),
+              OutOfBounds("ByteLength", "ExecuteMemory", 1, 0));
+  });
+}
+
+// Offset and length both count from the block's start; the engine judges the offset.
+TEST(MemoryBlock, SubjectsAreThatMuchOfTheBlock) {
+  const std::string bytes = "ab\0cab\xC3\xA4\xFF"s;
+  const char* const patterns[] = {"ab", "(?<=a)b(?=.)", "\\0c", "$", ".*\\z", "c(.)"};
+  OnEachHost([&](Session& session) {
+    const Value block = session.host.MemoryBlock(bytes);
+    const auto size = static_cast<int>(bytes.size());
+    for (const char* pattern : patterns) {
+      const Object regex = session.New();
+      regex.Set("CompileOptionUTF8", false);
+      ASSERT_TRUE(regex.Call("Compile", {pattern}).Boolean());
+      for (const int length : {-1, 0, 1, 4, 6, size}) {
+        for (const int offset : {0, 1, 3, 6, size, size + 1, -1}) {
+          SCOPED_TRACE(testing::Message() << pattern << ' ' << offset << ' ' << length);
+          const int result = regex.Call("ExecuteMemory", {block, offset, length}).Integer();
+          const std::string slice =
+              bytes.substr(0, static_cast<std::size_t>(length < 1 ? size : length));
+          std::string direct = DescribeDirectly(pattern, slice, offset, PCRE_UNGREEDY);
+          // Codes are left to Lasterror; the result is 0.
+          if (direct.front() == '-') direct.replace(0, direct.find(' '), "0");
+          EXPECT_EQ(Describe(regex, result), direct);
+          EXPECT_EQ(regex.Get("TextMemory").handle(), block.handle());
+          EXPECT_TRUE(regex.Get("Text").IsNil());
+        }
+      }
+    }
+  });
+}
+
+TEST(MemoryBlock, ALengthPastTheEndIsRefused) {
+  OnEachHost([](Session& session) {
+    const Object regex = session.Compiled("a");
+    const Value block = session.host.MemoryBlock("aaaa");
+    for (const int length : {5, INT32_MAX}) {
+      EXPECT_EQ(regex.Call("ExecuteMemory", {block}).Integer(), 1);
+      const auto outcome = regex.TryCall("ExecuteMemory", {block, 0, length});
+      EXPECT_EQ(Raised(outcome), OutOfBounds("ByteLength", "ExecuteMemory", length, 4));
+      EXPECT_EQ(Describe(regex, outcome.value.Integer()), "0 err=-99");
+      EXPECT_TRUE(regex.Get("TextMemory").IsNil()) << "no subject is kept";
+      EXPECT_EQ(regex.Call("Execute", {0}).Integer(), PCRE_ERROR_NULL);
+    }
+  });
+}
+
+}  // namespace

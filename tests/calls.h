@@ -1,0 +1,38 @@
+// Calls of every registered method as a script makes them, and their outcomes as short text, for
+// tests that let something go wrong in each of them.
+#ifndef ZRK_TESTS_CALLS_H
+#define ZRK_TESTS_CALLS_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/session.h"
+
+namespace tests {
+
+// `nil`, `5`, `true`, `"abc"`, `["a", ""]`; other values by their kind.
+std::string Show(const Value& value);
+// The result, Lasterror and what was raised: `nil err=-99 NilObjectException: text is nil`.
+std::string Show(const Object& object, const Outcome& outcome);
+
+struct CallRow {
+  const char* label;
+  const char* method;
+  std::function<Values(standin::Host&)> arguments;
+  bool raises = false;
+};
+
+// At least one call of every method, the constructor's apart. Texts are multi-byte and hold bytes
+// that the engine must not see unchecked.
+const std::vector<CallRow>& CallRows();
+
+// An object with a studied pattern of two groups, the second one named "n", and a match of it over
+// a kept text.
+Object Prepared(Session& session);
+
+Outcome Run(Session& session, const Object& object, const CallRow& row);
+
+}  // namespace tests
+
+#endif  // ZRK_TESTS_CALLS_H

@@ -1,0 +1,323 @@
+// New text from matches: what replacement text means, and what the three methods make of it.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <string>
+#include <string_view>
+
+#include "tests/reference.h"
+#include "tests/session.h"
+
+namespace {
+
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+using tests::Kind;
+using tests::Object;
+using tests::Session;
+using tests::Value;
+
+// An empty result leaves Lasterror at ErrorPlugin, any other at 0.
+void ExpectText(const Object& regex, const Value& result, std::string_view expected) {
+  EXPECT_EQ(result.Bytes(), expected);
+  EXPECT_EQ(result.IsNil(), expected.empty());
+  EXPECT_EQ(regex.Get("Lasterror").Integer(), expected.empty() ? -99 : 0);
+  if (!expected.empty()) {
+    EXPECT_EQ(result.Encoding(), zrk::kEncodingUTF8);
+  }
+}
+
+TEST(Replace, ExpandsTheTextForTheCurrentMatch) {
+  constexpr const char* kTwelve = "(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)(k)(l)";
+  struct Row {
+    std::string_view pattern, subject, new_text, replaced, selection;
+  };
+  const Row rows[] = {
+      {"b", "abc", "", "ac", ""},
+      {"b", "abc", "X", "aXc", "X"},
+      {"b", "abc", "[\\0]", "a[b]c", "[b]"},
+      {"(b)(c)", "abcd", "\\2\\1", "acbd", "cb"},
+      {"(b)(c)", "abcd", "\\01\\02", "abcd", "bc"},
+      {"(b)(c)", "abcd", "\\1x\\3", "abxd", "bx"},
+      {"(x)?b", "abc", "<\\1>", "a<>c", "<>"},
+      {kTwelve, "_abcdefghijkl", "\\123", "_l3", "l3"},
+      {kTwelve, "_abcdefghijkl", "\\1\\2x\\12", "_abxl", "abxl"},
+      {"b", "abc", "\\t\\r\\n", "a\t\r\nc", "\t\r\n"},
+      {"b", "abc", "\\\\1\\q\\$$0$&{}", "a\\1q$$0$&{}c", "\\1q$$0$&{}"},
+      {"b", "abc", "\\T\\R\\\xC3\xA9",
+       "aTR\xC3\xA9"
+       "c",
+       "TR\xC3\xA9"},
+      {"\xC3\x9F", "x\xC3\x9Fy", "\xE2\x82\xAC\\0", "x\xE2\x82\xAC\xC3\x9Fy",
+       "\xE2\x82\xAC\xC3\x9F"},
+      // A zero byte ends both results, wherever it comes from.
+      {"b", "abc", "x\\", "ax", "x"},
+      {"b", "abc", "\\", "a", ""},
+      {"b", "abc", "x\0y"sv, "ax", "x"},
+      {"b", "a\0bc"sv, "x", "a", "x"},
+      {"b", "ab\0c"sv, "x", "ax", "x"},
+      {"b.", "ab\0c"sv, "<\\0>", "a<b", "<b"},
+      // With \K in an assertion the match starts where it likes, and both sides of it are kept.
+      {"a\\Kb", "ab", "N", "aN", "N"},
+      {"a(?=b\\K)", "abc", "<\\0>", "ab<>bc", "<>"},
+      {"(?<=(a)\\K)b", "abc", "<\\0\\1>", "a<ba>c", "<ba>"},
+      {"(?<=\\Ka)b", "abc", "<\\0>", "<ab>c", "<ab>"},
+  };
+  for (const auto& kind : tests::HostKinds()) {
+    Session session(kind);
+    for (const Row& row : rows) {
+      SCOPED_TRACE(tests::NameOf(kind) + ": " + std::string(row.pattern) + " -> " +
+                   testing::PrintToString(row.new_text));
+      const Object regex = session.Compiled(std::string(row.pattern));
+      ASSERT_GT(regex.Call("Execute", {Value(row.subject), 0}).Integer(), 0);
+      ExpectText(regex, regex.Call("Replace", {Value(row.new_text)}), row.replaced);
+      ExpectText(regex, regex.Call("ReplaceSelection", {Value(row.new_text)}), row.selection);
+    }
+  }
+}
+
+TEST(Replace, AnswersNullWhereThereIsNoMatchToReplace) {
+  struct Row {
+    const char* what;
+    void (*prepare)(const Object&);
+    int error;
+  };
+  const Row rows[] = {
+      {"nothing executed", [](const Object&) {}, 0},
+      {"no match", [](const Object& regex) { regex.Call("Execute", {"xyz"}); }, 0},
+      {"not compiled", [](const Object& regex) { regex.Call("Compile", {"("}); }, -99},
+      {"the text of Match is not kept", [](const Object& regex) { regex.Call("Match", {"abc"}); },
+       -99},
+      {"a filter drops the subject",
+       [](const Object& regex) {
+         regex.Call("Execute", {"abc"});
+         regex.Call("Match", {Value::Nil(Kind::kStringArray)});
+       },
+       -99},
+      {"Count is that of ReplaceAll, the pair that of a failure",
+       [](const Object& regex) {
+         regex.Call("Execute", {"xyz"});
+         regex.Call("ReplaceAll", {"abc", "N"});
+       },
+       -99},
+      {"a vector from an unkept text, a count from none",
+       [](const Object& regex) {
+         regex.Call("Match", {"xxxxxxxb"});
+         regex.Call("Execute", {"x"});
+         regex.Call("ReplaceAll", {"b", "N"});
+       },
+       -99},
+  };
+  Session session;
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    for (const char* method : {"Replace", "ReplaceSelection"}) {
+      const Object regex = session.Compiled("b");
+      row.prepare(regex);
+      EXPECT_TRUE(regex.Call(method, {"N"}).IsNil());
+      EXPECT_EQ(regex.Get("Lasterror").Integer(), row.error);
+    }
+  }
+}
+
+TEST(Replace, HonoursAsManyGroupsAsTheVectorHoldsLessOne) {
+  struct Row {
+    int vector_size;
+    const char *new_text, *replaced, *replaced_all;
+  };
+  const Row rows[] = {
+      {51, "\\15\\16\\17", "o", "opq"},  {51, "<\\16>", "<>", "<p>"},
+      {57, "\\16\\17\\18", "pq", "pqr"}, {60, "\\18\\19", "r", "rs"},
+      {600, "\\19\\20\\99", "s", "s"},
+  };
+  std::string pattern;
+  for (char letter = 'a'; letter <= 's'; ++letter) pattern += std::string("(") + letter + ")";
+  Session session;
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::to_string(row.vector_size) + row.new_text);
+    const Object regex = session.New({row.vector_size});
+    regex.Call("Compile", {pattern});
+    const std::string subject = "abcdefghijklmnopqrs";
+    // A vector that cannot hold all groups answers 0 pairs, which is no match to replace.
+    const bool fits = regex.Call("Execute", {subject}).Integer() > 0;
+    EXPECT_EQ(fits, row.vector_size >= 60);
+    if (fits) {
+      EXPECT_EQ(regex.Call("Replace", {row.new_text}).UTF8(), row.replaced);
+    }
+    EXPECT_EQ(regex.Call("ReplaceAll", {subject, row.new_text}).UTF8(), row.replaced_all);
+  }
+}
+
+TEST(Replace, KeepsToTheBoundAlsoForGroupsThatFit) {
+  Session session;
+  const Object regex = session.Compiled("(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)(k)(l)(m)(n)(o)(p)");
+  ASSERT_EQ(regex.Call("Execute", {"abcdefghijklmnop"}).Integer(), 17);
+  EXPECT_EQ(regex.Call("Substring", {16}).UTF8(), "p");
+  EXPECT_EQ(regex.Call("Replace", {"\\15\\16."}).UTF8(), "o.");
+  EXPECT_EQ(regex.Call("ReplaceAll", {"abcdefghijklmnop", "\\15\\16."}).UTF8(), "op.");
+}
+
+TEST(ReplaceAll, ReplacesEveryMatchAndCountsItsSearches) {
+  struct Row {
+    std::string_view pattern, target, new_text, result;
+    int count;
+  };
+  const Row rows[] = {
+      {"b", "abcbdbe", "N", "aNcNdNe", 4},
+      {"b", "abcbdb", "N", "aNcNdN", 3},
+      {"b", "xyz", "N", "xyz", 1},
+      {"b", "abcbdbe", "", "acde", 4},
+      {"b", "bbb", "", "", 3},
+      {"b", "", "N", "", 1},
+      {"^", "", "N", "N", 1},
+      // Empty matches: also right behind another match, and never inside a character.
+      {"(?-U)x*", "abc", "N", "NaNbNcN", 4},
+      {"(?-U)x*", "axb", "N", "NaNNbN", 4},
+      {"(?-U)x*", "axb", "", "ab", 4},
+      {"(?-U)x*", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", "N",
+       "N\xC3\xA9N\xE2\x82\xACN\xF0\x9F\x98\x80N", 4},
+      {"(?-U)x*", "\xC3\xA9x\xC3\xA9", "<\\0>", "<>\xC3\xA9<x><>\xC3\xA9<>", 4},
+      {"$", "a\n", "N", "aN\nN", 2},
+      {"\\b", "ab cd", "|", "|ab| |cd|", 4},
+      {"(?=b)", "abb", "N", "aNbNb", 3},
+      // Bytes that are no text move on as their lead bytes say; a search past the end finds none.
+      {"(?-U)x*",
+       "\x80\xBF"
+       "a",
+       "N", "N\x80N\xBFNaN", 4},
+      {"(?-U)x*", "a\xE2\x82", "N", "NaN\xE2\x82", 3},
+      {"(?-U)x*", "\xF9\x80", "N", "N\xF9N\x80N", 3},
+      // Zero bytes count in full here.
+      {"b", "a\0b\0b"sv, "N", "a\0N\0N"sv, 2},
+      {"b", "a\0b\0b"sv, "", "a\0\0"sv, 2},
+      {"b", "abc", "x\\", "ax\0c"sv, 2},
+      {"b", "abc", "\0"sv, "a\0c"sv, 2},
+      {"\\x00", "a\0b"sv, "<\\0>", "a<\0>b"sv, 2},
+      {"(b)(x)?", "abc", "\\1\\2\\3\\99\\1", "abbc", 2},
+      {"(\\d+?)-(\\d+?)", "1-22, 333-4", "\\2-\\1", "22-1, 4-333", 2},
+      {"b", "abc", "\\\\1\\q\\t$0", "a\\1q\t$0c", 2},
+      // \K in assertions: each search begins further on, and no byte comes twice; a
+      // match that does not reach past its own beginning is found from there once more.
+      {"a\\Kb", "abab", "N", "aNaN", 2},
+      {"a(?=b\\K)", "abab", "N", "abNabN", 3},
+      {"(?=ab\\K)", "abab", "N", "abNabNN", 4},
+      {"(?=b\\K)", "abb", "", "abb", 4},
+      {"(?<=\\Ka)b", "abab", "N", "NN", 2},
+      {"(?<=\\Ka)", "aab", "N", "NNNb", 4},
+      {"(?<=\\Kaa)", "aaaa", "\\0,", "aa,aa,aa,aa,", 4},
+      {"(?<=\\K\xC3\xA9)", "\xC3\xA9\xC3\xA9z", "N", "NNNz", 4},
+  };
+  for (const auto& kind : tests::HostKinds()) {
+    Session session(kind);
+    for (const Row& row : rows) {
+      SCOPED_TRACE(tests::NameOf(kind) + ": " + std::string(row.pattern) + " in " +
+                   testing::PrintToString(row.target) + " -> " +
+                   testing::PrintToString(row.new_text));
+      const Object regex = session.Compiled(std::string(row.pattern));
+      ExpectText(regex, regex.Call("ReplaceAll", {Value(row.target), Value(row.new_text)}),
+                 row.result);
+      EXPECT_EQ(regex.Get("Count").Integer(), row.count);
+    }
+  }
+}
+
+TEST(ReplaceAll, LeavesSubjectAndVectorAlone) {
+  Session session;
+  const Object regex = session.Compiled("b(.)");
+  regex.Call("Execute", {"abc"});
+  const std::string before = tests::Describe(regex, 2);
+  regex.Call("ReplaceAll", {"xxbxxby", "<\\1>"});
+  EXPECT_EQ(tests::Describe(regex, 2), before);
+  EXPECT_EQ(regex.Get("Text").UTF8(), "abc");
+  // Count is that of ReplaceAll now, but the match of the subject is still there to replace.
+  EXPECT_EQ(regex.Call("Replace", {"<\\1>"}).UTF8(), "a<c>");
+}
+
+TEST(ReplaceAll, ReportsNoEngineErrorOnTheWay) {
+  Session session;
+  const Object regex = session.Compiled("b|(x+x+)+y");
+  regex.Set("MatchLimit", 200);
+  const std::string hard(30, 'x');
+  EXPECT_EQ(regex.Call("ReplaceAll", {"abc" + hard + "b", "N"}).UTF8(), "aNc" + hard + "b");
+  EXPECT_EQ(regex.Get("Lasterror").Integer(), 0);
+  EXPECT_EQ(regex.Get("Count").Integer(), 2);
+  ASSERT_EQ(regex.Call("Execute", {hard + "b"}).Integer(), -8);
+}
+
+TEST(ReplaceAll, NeedsAPatternAndAVector) {
+  Session session;
+  const Object regex = session.New();
+  EXPECT_TRUE(regex.Call("ReplaceAll", {"abc", "N"}).IsNil());
+  EXPECT_EQ(regex.Get("Lasterror").Integer(), -99);
+  const Object zero = session.host.NewUninitialised("RegExZRK");
+  for (const auto& [method, arguments] :
+       std::initializer_list<std::pair<const char*, tests::Values>>{
+           {"Replace", {"N"}}, {"ReplaceSelection", {"N"}}, {"ReplaceAll", {"abc"}}}) {
+    EXPECT_EQ(tests::Raised(zero.TryCall(method, arguments)),
+              "NilObjectException: RegEx class not initialized.");
+  }
+}
+
+std::string Repeated(std::string_view text, std::size_t count) {
+  std::string out;
+  for (std::size_t i = 0; i < count; ++i) out += text;
+  return out;
+}
+
+// The matches of the sizing pass are remembered up to a bound and searched again past it; dense
+// matches and many groups reach the bound at every size from some tens of bytes on.
+TEST(ReplaceAll, AgreesWithTheEngineCalledDirectlyWhateverTheNumberOfMatches) {
+  const char* const patterns[] = {
+      "x",         "(?-U)x*", "(.)",   "(.)(.)?(.)?",     "(?<=\\K.)",      "(?=.\\K)",
+      "((x)|(y))", "\\b",     "(?s).", "(y)|x(?=(.)\\K)", "(?<=(.)\\K)(.)", ""};
+  const std::string_view units[] = {"x",    "xy",          "x\xC3\xA9y ", "xyyyyyyy\0"sv,
+                                    "\r\n", "\xE2\x82\xAC"};
+  const std::string_view new_texts[] = {"\\0\\0", "\\1", "<\\3\\2\\1>", "N", "", "\\1\\0\\99\\"};
+  std::string all_groups;
+  for (int group = 10; group < 100; ++group) all_groups += '\\' + std::to_string(group);
+  Session session;
+  for (const char* pattern : patterns) {
+    const Object regex = session.Compiled(pattern);
+    for (const std::string_view unit : units) {
+      for (const std::size_t count : {1, 85, 128, 129, 700}) {
+        const Value target = Repeated(unit, count);
+        for (const std::string_view new_text : new_texts) {
+          const auto expected = tests::ReplaceAllDirectly(pattern, target.Bytes(), new_text);
+          ASSERT_EQ(regex.Call("ReplaceAll", {target, Value(new_text)}).Bytes(), expected.text)
+              << pattern << " in " << count << " * " << unit << " -> " << new_text;
+          ASSERT_EQ(regex.Get("Count").Integer(), expected.calls) << pattern << " in " << unit;
+        }
+      }
+    }
+    const std::string target = Repeated("xy", 900);
+    EXPECT_EQ(regex.Call("ReplaceAll", {target, all_groups + "\\1"}).Bytes(),
+              tests::ReplaceAllDirectly(pattern, target, "\\1").text);
+  }
+}
+
+long PeakKilobytes() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss;
+}
+
+TEST(ReplaceAll, RefusesWhatNoHostStringHolds) {
+  Session session;
+  const Object regex = session.Compiled("x");
+  const Value target = std::string(1 << 20, 'x');
+  for (const Value& new_text :
+       {Value(std::string(4096, 'y')), Value("\\0" + std::string(4096, 'y'))}) {
+    regex.Call("ReplaceAll", {target, "z"});
+    const long before = PeakKilobytes();
+    EXPECT_TRUE(regex.Call("ReplaceAll", {target, new_text}).IsNil());
+    EXPECT_EQ(regex.Get("Lasterror").Integer(), -99);
+    EXPECT_LT(PeakKilobytes() - before, 64 << 10);
+  }
+  EXPECT_EQ(regex.Call("ReplaceAll", {"axb", "N"}).UTF8(), "aNb");
+  const Object whole = session.Compiled("(?s)^.*$(?-U)");
+  whole.Call("Execute", {target});
+  EXPECT_TRUE(whole.Call("Replace", {Value(Repeated("\\0", 2050))}).IsNil());
+  EXPECT_EQ(whole.Get("Lasterror").Integer(), -99);
+}
+
+}  // namespace

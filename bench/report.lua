@@ -1,0 +1,162 @@
+-- lua5.4 bench/report.lua [--check] FACTS.txt RESULT.json... : compares what was measured with
+-- bench/targets.lua. Writes docs/benchmarks.md and its charts, or with --check prints the figures and
+-- exits with 1 when one is clearly behind its target.
+local json = require "cjson"
+package.path = arg[0]:match("^(.*)/") .. "/?.lua;" .. package.path
+local targets = require "targets"
+
+local check = arg[1] == "--check"
+if check then table.remove(arg, 1) end
+
+local function read(path)
+  local file = assert(io.open(path))
+  local text = file:read "a"
+  file:close()
+  return text
+end
+
+local function least(a, b)
+  for key, value in pairs(b) do
+    if type(value) == "number" and type(a[key]) == "number" then a[key] = math.min(a[key], value) end
+  end
+  return a
+end
+
+-- Counters by row: medians over the rounds, but for a check, which runs on busy machines, the best of
+-- the rounds.
+local function collect(paths)
+  local rows = {}
+  for _, path in ipairs(paths) do
+    for _, run in ipairs(json.decode(read(path)).benchmarks) do
+      assert(not run.error_occurred, run.error_message)
+      local row = run.run_name:match "^[^/]+/[^/]+"
+      if run.aggregate_name == "median" and not check then
+        rows[row] = run
+      elseif run.run_type == "iteration" and (check or run.repetitions == 1) then
+        rows[row] = rows[row] and least(rows[row], run) or run
+      end
+    end
+  end
+  return rows
+end
+
+local rows = collect(table.move(arg, 2, #arg, 1, {}))
+
+local function judge(target)
+  local counters = rows[target.row] or error("nothing was measured for " .. target.row)
+  local figure = target.figure(counters, "zrk")
+  -- Room for noise in a check: a tenth, and a few nanoseconds more where those are all there is.
+  local room = check and 1.1 or 1
+  local more = check and target.unit == "ns" and 5 or 0
+  local met
+  if target.at_most then met = figure <= target.at_most * room + more end
+  if target.at_least then met = figure >= target.at_least / room end
+  return figure, met
+end
+
+local function number(value)
+  local digits = math.abs(value) >= 100 and 0 or math.abs(value) >= 10 and 1 or 2
+  return ("%." .. digits .. "f"):format(value)
+end
+
+local function promise(target)
+  local word = target.at_most and "at most" or "at least"
+  return ("%s %s %s"):format(word, target.at_most or target.at_least, target.unit)
+end
+
+local function of_other(target, who)
+  local counters = rows[target.row]
+  return target.others ~= "no" and counters[who] and number(target.figure(counters, who)) or ""
+end
+
+if check then
+  local behind = 0
+  for _, target in ipairs(targets) do
+    local figure, met = judge(target)
+    if not met then behind = behind + 1 end
+    print(("%-7s %10s  %-22s %s"):format(met and "ok" or "BEHIND", number(figure), promise(target), target.work))
+  end
+  print(("%d of %d clearly behind their targets"):format(behind, #targets))
+  os.exit(behind == 0 and 0 or 1)
+end
+
+local page = {}
+local function line(...) page[#page + 1] = table.concat({ ... }) end
+
+line "# Benchmarks\n"
+line "Written by `make bench`; bench/README.md says how each row is measured. Figures are medians of interleaved\nrounds of one run.\n"
+line(read(arg[1]))
+line "| work | target | measured | | C++ binding | RE2 |"
+line "|---|---|---|---|---|---|"
+local missed = {}
+for _, target in ipairs(targets) do
+  local figure, met = judge(target)
+  line("| ", target.work, " | ", promise(target), " | ", number(figure), " | ", met and "met" or "**not met**", " | ",
+       of_other(target, "pcrecpp"), " | ", of_other(target, "re2"), " |")
+  if not met then missed[#missed + 1] = ("- %s: %s"):format(target.work, target.why or "not yet explained.") end
+end
+if #missed > 0 then
+  line "\n## Not met\n"
+  line(table.concat(missed, "\n"))
+end
+
+-- Charts. Each is a block of data, one line a case, and the gnuplot commands that draw it.
+local function draw(name, data, commands)
+  local gnuplot = assert(io.popen("gnuplot", "w"))
+  gnuplot:write("$data << EOD\n", table.concat(data, "\n"), "\nEOD\n",
+                "set terminal svg size 760,340 font 'sans-serif,12' background 'white'\n",
+                "set output 'docs/benchmarks-", name, ".svg'\n", "set grid ytics\n", commands)
+  assert(gnuplot:close(), "gnuplot failed")
+end
+
+local function cases(prefix, names, figure)
+  local data = {}
+  for _, name in ipairs(names) do
+    local counters, of = rows[prefix .. name], {}
+    for i, who in ipairs { "zrk", "pcrecpp", "re2" } do
+      of[i] = counters[who] and ("%.4f"):format(figure(counters, who)) or "?"
+    end
+    data[#data + 1] = name:gsub("_", " "):gsub("^(.*)$", '"%1" ') .. table.concat(of, " ")
+  end
+  return data
+end
+
+local bars = [[
+set style data histograms
+set style fill solid 0.8 border -1
+set datafile missing '?'
+set key outside bottom center horizontal
+plot $data using 2:xtic(1) title 'RegExZRK' linecolor '#1f77b4', \
+     '' using 3 title 'C++ binding' linecolor '#ff7f0e', '' using 4 title 'RE2' linecolor '#999999'%s
+]]
+
+local function ratio(counters, who) return counters[who] / counters.bare end
+local function beyond(counters, who) return counters[who] - counters.bare end
+
+draw("walk", cases("walk/", { "literal", "caseless", "alternatives", "address", "capitals", "groups", "words", "letters" }, ratio),
+     "set title 'Walking all matches of 10 MB: time by the bare engine loop'\n" .. bars:format ", 1 title 'bare loop' linecolor 'black'")
+draw("replace", cases("replace/", { "pairs", "capitals", "words", "delete" }, ratio),
+     "set title 'Replacing all matches in 10 MB: time by one bare pass'\n" .. bars:format ", 1 title 'bare pass' linecolor 'black'")
+draw("calls", cases("call/", { "no_match", "substrings", "lines" }, beyond),
+     "set title 'One call: nanoseconds beyond the bare engine call'\n" .. bars:format "")
+
+local growth = {}
+local names = { "walk", "walk_characters", "replace", "filter", "escape" }
+for _, size in ipairs { 1, 10, 100 } do
+  local of = { tostring(size) }
+  for _, name in ipairs(names) do of[#of + 1] = ("%.4f"):format(rows["growth/" .. name]["mb" .. size]) end
+  growth[#growth + 1] = table.concat(of, " ")
+end
+local plots = {}
+for i, name in ipairs(names) do
+  plots[i] = ("$data using 1:%d with linespoints linewidth 2 title '%s'"):format(i + 1, (name:gsub("_", " with ")))
+end
+draw("growth", growth, "set title 'Nanoseconds a byte, by size of text'\nset logscale x\nset xrange [0.8:125]\nset yrange [0:*]\n" ..
+     "set xtics ('1 MB' 1, '10 MB' 10, '100 MB' 100)\nset key outside right\nplot " .. table.concat(plots, ", "))
+
+for _, name in ipairs { "walk", "replace", "calls", "growth" } do line("\n![](benchmarks-", name, ".svg)") end
+
+local file = assert(io.open("docs/benchmarks.md", "w"))
+file:write(table.concat(page, "\n"), "\n")
+file:close()
+print(("docs/benchmarks.md: %d of %d targets met"):format(#targets - #missed, #targets))

@@ -1,0 +1,54 @@
+// A row of the benchmarks: several ways of doing the same work, timed in turns.
+//
+// Each repetition of a Google Benchmark run is one round, in which every contender runs once, right
+// after the others and in another order each time; what disturbs the machine disturbs them all. The
+// counters of the row are nanoseconds per unit of work, by contender; Google Benchmark adds their
+// medians over the rounds.
+//
+// The allocator keeps what was freed. Otherwise large results would cost each contender the
+// kernel's clearing of new pages, which depends on where the allocator's thresholds lie and not on
+// the work.
+#ifndef ZRK_BENCH_ROUNDS_H
+#define ZRK_BENCH_ROUNDS_H
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+// What `work` answers when there is nothing to compare.
+inline constexpr std::int64_t kNothingFound = INT64_MIN;
+
+struct Contender {
+  std::string name;
+  double units;  // calls, matches, bytes: what the time is divided by
+  // Answers what it found, never a negative number. All contenders of a row that answer must agree.
+  std::function<std::int64_t()> work;
+  std::function<void()> prepare = nullptr;  // before each round, not timed
+};
+
+enum class Clock {
+  Processor,  // of the whole process: other programs on the machine do not count
+  Wall,       // where waiting is what is measured
+};
+
+using Row = std::vector<Contender>;
+
+// Adds a row. It is made at its first round and kept for the later ones.
+void AddRow(const std::string& name, std::function<Row()> make, Clock clock = Clock::Processor);
+
+// The same work a number of times, for calls too short to be timed singly.
+template <typename Work>
+Contender Repeated(std::string name, std::int64_t times, Work work) {
+  return {std::move(name), static_cast<double>(times), [times, work] {
+            std::int64_t found = 0;
+            for (std::int64_t i = 0; i < times; ++i) found += work();
+            return found;
+          }};
+}
+
+}  // namespace bench
+
+#endif  // ZRK_BENCH_ROUNDS_H

@@ -1,0 +1,105 @@
+-- What is promised, row by row. Read by report.lua, for the report and for the check.
+--
+--   work    what is done, as the report names it
+--   row     the benchmark that does it; its counters are nanoseconds by contender (rounds.h)
+--   figure  how the promised number comes from them: figure(counters, contender)
+--   unit    of that number
+--   at_most, at_least, below   the promise
+--   others  "no" where the other contenders have no figure of this kind
+--   why     said in the report, where the promise is not kept
+
+local function over_bare(ns, who) return ns[who] / ns.bare end
+local function beyond_bare(ns, who) return ns[who] - ns.bare end
+local function over_binding(ns, who) return ns[who] / ns.pcrecpp end
+local function bytes_a_nanosecond(ns, who) return 1 / ns[who] end
+local function megabytes(field)
+  return function(counters) return counters[field] / 1e6 end
+end
+
+-- From the cheapest size to the dearest.
+local function spread(ns)
+  local least, most = math.huge, 0
+  for size in pairs { mb1 = 1, mb10 = 1, mb100 = 1 } do
+    if ns[size] then least, most = math.min(least, ns[size]), math.max(most, ns[size]) end
+  end
+  return most / least
+end
+
+local rows = {}
+local function add(row) rows[#rows + 1] = row end
+
+local function walk(name, pattern, at_most)
+  add { work = "walk all matches of `" .. pattern .. "`", row = "walk/" .. name,
+        figure = over_bare, unit = "x bare", at_most = at_most or 1.02 }
+end
+walk("literal", "software")
+walk("caseless", "(?i)copyright")
+walk("alternatives", "GNU\\|Perl\\|Unix\\|POSIX\\|Artistic")
+walk("address", "https?://[^\\s>]+")
+walk("capitals", "[A-Z][a-z]+ [A-Z][a-z]+")
+walk("groups", "(\\w+)\\s*=>\\s*(\\w+)")
+walk("words", "\\w+", 1.08)
+walk("letters", "\\p{Lu}\\p{L}+")
+
+add { work = "Execute on 20 bytes, no match", row = "call/no_match",
+      figure = beyond_bare, unit = "ns", at_most = 30 }
+add { work = "Execute on 20 bytes, three Substring calls", row = "call/substrings",
+      figure = beyond_bare, unit = "ns", at_most = 110 }
+
+for _, case in ipairs {
+  { "pairs", "(\\w+)\\s*=>\\s*(\\w+)" }, { "capitals", "([A-Z])([a-z]+)" }, { "words", "(\\w+) (\\w+)" } } do
+  local work = "ReplaceAll with groups, `" .. case[2] .. "`"
+  add { work = work, row = "replace/" .. case[1], figure = over_bare, unit = "x bare", at_most = 1.15 }
+  add { work = work .. ", against the C++ binding", row = "replace/" .. case[1],
+        figure = over_binding, unit = "x binding", at_most = 1, others = "no" }
+end
+add { work = "ReplaceAll with empty text", row = "replace/delete",
+      figure = over_bare, unit = "x bare", at_most = 1.10 }
+
+add { work = "Match over 1,000,000 lines, a line", row = "call/lines",
+      figure = beyond_bare, unit = "ns", at_most = 30 }
+
+add { work = "Escape 10 MB, against RE2's QuoteMeta", row = "text/escape", unit = "x as fast",
+      figure = function(ns) return ns.re2 / ns.zrk end, at_least = 3, others = "no" }
+add { work = "Escape 10 MB, against the binding's QuoteMeta", row = "text/escape", unit = "x as fast",
+      figure = function(ns) return ns.pcrecpp / ns.zrk end, at_least = 3, others = "no" }
+
+add { work = "OffsetCharacters at the end of 10 MB of ASCII", row = "text/characters_ascii",
+      figure = bytes_a_nanosecond, unit = "GB/s", at_least = 20 }
+add { work = "OffsetCharacters at the end of 10 MB of mixed text", row = "text/characters_mixed",
+      figure = bytes_a_nanosecond, unit = "GB/s", at_least = 3 }
+add { work = "OffsetCharacters of every match of a walk over 10 MB, in all", unit = "ms",
+      row = "text/characters_walking", at_most = 10,
+      figure = function(ns) return (ns.zrk - ns.without) * 10 end }
+
+for _, kind in ipairs { "ascii", "mixed" } do
+  add { work = "scan for unsafe bytes, " .. kind .. " text", row = "text/unsafe_" .. kind,
+        figure = function(ns, who) return 1 / (ns[who] - ns.without) end, unit = "GB/s", at_least = 10 }
+end
+add { work = "Execute(start) on a kept 10 MB subject: no second scan", row = "text/unsafe_again",
+      figure = function(ns) return ns.zrk end, unit = "ns", at_most = 200 }
+
+add { work = "ExecuteMT beyond Execute", row = "call/threaded", unit = "ms", at_most = 1.3,
+      figure = function(ns) return (ns.zrk - ns.execute) / 1e6 end }
+add { work = "recursion limit and all else that Execute(start) does for the engine call",
+      row = "call/limits", unit = "ns", at_most = 3,
+      figure = function(ns) return ns.zrk - ns.no_pattern - ns.bare end }
+
+for _, case in ipairs {
+  { "execute_ascii", "Execute on 100 MB of ASCII" },
+  { "execute_mixed", "Execute on 100 MB of UTF-8, host 2016" },
+  { "execute_block", "ExecuteMemory on 100 MB" } } do
+  add { work = case[2] .. ": growth of the peak", row = "memory/" .. case[1],
+        figure = megabytes "grown", unit = "MB", at_most = 1 }
+end
+add { work = "ReplaceAll on 100 MB: peak beyond the result, by the target", row = "memory/replace",
+      figure = function(of) return (of.grown - of.result) / of.subject end, unit = "x target", at_most = 1 }
+
+for _, case in ipairs {
+  { "walk", "walking" }, { "walk_characters", "walking with character offsets" },
+  { "replace", "replacing" }, { "filter", "filtering" }, { "escape", "escaping" } } do
+  add { work = case[2] .. " 1, 10 and 100 MB: dearest byte by cheapest", row = "growth/" .. case[1],
+        figure = spread, unit = "x", at_most = 1.10 }
+end
+
+return rows

@@ -19,6 +19,7 @@ lua_CFunction FindMethod(Kind kind, const std::string& name) {
   for (const luaL_Reg* row = MethodsOf(kind); row && row->name; ++row) {
     if (name == row->name) return row->func;
   }
+  if (kind == Kind::kNil) throw CallError("this handle is closed");
   throw CallError("a " + std::string(KindName(kind)) + " has no \"" + name + "\"");
 }
 
@@ -26,7 +27,7 @@ int Index(lua_State* L) {
   const Value& value = CheckHandle(L, 1);
   if (IsArray(value) && lua_isinteger(L, 2)) {
     // Lua counts from 1; below, the place is past every end.
-    PushValue(L, value.At(static_cast<std::size_t>(lua_tointeger(L, 2)) - 1));
+    PushElement(L, value, static_cast<std::size_t>(lua_tointeger(L, 2)) - 1);
   } else if (value.kind() == Kind::kObject) {
     PushMember(L, Object(value), luaL_checkstring(L, 2));
   } else {

@@ -91,12 +91,7 @@ int ArrayResize(lua_State* L) {
 }
 
 int ArrayToTable(lua_State* L) {
-  const Values elements = CheckKind(L, {Kind::kStringArray, Kind::kVariantArray}).Elements();
-  lua_newtable(L);
-  for (std::size_t i = 0; i < elements.size(); ++i) {
-    PushValue(L, elements[i]);
-    lua_rawseti(L, -2, static_cast<lua_Integer>(i) + 1);
-  }
+  PushTable(L, CheckKind(L, {Kind::kStringArray, Kind::kVariantArray}));
   return 1;
 }
 

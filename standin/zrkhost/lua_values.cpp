@@ -61,15 +61,6 @@ void PushText(lua_State* L, const std::string& text) {
   lua_pushlstring(L, text.data(), text.size());
 }
 
-void PushTable(lua_State* L, const Value& array) {
-  const std::size_t count = array.Count();
-  lua_newtable(L);
-  for (std::size_t i = 0; i < count; ++i) {
-    PushValue(L, array.At(i));
-    lua_rawseti(L, -2, static_cast<lua_Integer>(i) + 1);
-  }
-}
-
 }  // namespace
 
 Value ToValue(lua_State* L, int index) {
@@ -128,6 +119,22 @@ void PushValue(lua_State* L, const Value& value) {
   if (value.IsNil()) return lua_pushnil(L);
   if (value.kind() == Kind::kStringArray) return PushTable(L, value);
   PushHandle(L, value);
+}
+
+void PushElement(lua_State* L, const Value& array, std::size_t index) {
+  const Value element = array.At(index);
+  const bool null_text =
+      element.IsNil() && array.kind() == Kind::kStringArray && index < array.Count();
+  PushValue(L, null_text ? Value::Nil(Kind::kString) : element);
+}
+
+void PushTable(lua_State* L, const Value& array) {
+  const std::size_t count = array.Count();
+  lua_newtable(L);
+  for (std::size_t i = 0; i < count; ++i) {
+    PushElement(L, array, i);
+    lua_rawseti(L, -2, static_cast<lua_Integer>(i) + 1);
+  }
 }
 
 void PushHandle(lua_State* L, Value value) {

@@ -9,6 +9,7 @@
 #ifndef ZRK_STANDIN_ZRKHOST_LUA_VALUES_H
 #define ZRK_STANDIN_ZRKHOST_LUA_VALUES_H
 
+#include <cstddef>
 #include <lua.hpp>
 
 #include "standin/value.h"
@@ -27,6 +28,10 @@ Values ToElements(lua_State* L, int index);
 
 // Pushes a value: a null string as "", a string array as a table, other host things as handles.
 void PushValue(lua_State* L, const Value& value);
+// Pushes one element, counted from 0; a null string of a string array is "", as everywhere.
+void PushElement(lua_State* L, const Value& array, std::size_t index);
+// Pushes a table of all elements.
+void PushTable(lua_State* L, const Value& array);
 // Pushes a handle, also for strings and string arrays. It gives its reference back when it is
 // collected or closed; then it is nil.
 void PushHandle(lua_State* L, Value value);

@@ -1,0 +1,316 @@
+// zrkhost as its users meet it: command lines, exit statuses, and what Lua programs see.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <stdio.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "standin/host.h"
+#include "standin/library.h"
+
+namespace {
+
+using standin::Kind;
+using standin::Type;
+using testing::TempDir;
+
+struct Ran {
+  int status = -1;
+  std::string output;  // errors as well
+};
+
+Ran Shell(const std::string& command) {
+  Ran ran;
+  FILE* pipe = popen(("{ " + command + "; } 2>&1").c_str(), "r");
+  if (!pipe) return ran;
+  std::array<char, 4096> buffer;
+  while (const std::size_t size = fread(buffer.data(), 1, buffer.size(), pipe)) {
+    ran.output.append(buffer.data(), size);
+  }
+  const int ended = pclose(pipe);
+  if (WIFEXITED(ended)) ran.status = WEXITSTATUS(ended);
+  return ran;
+}
+
+std::string Quoted(const std::string& text) {
+  std::string quoted = "'";
+  for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
+}
+
+Ran ZRKHost(const std::string& arguments) {
+  return Shell(ZRK_HOST_PROGRAM " " + arguments + " </dev/null");
+}
+
+Ran Lua(const std::string& code, const std::string& options = "") {
+  return ZRKHost(options + " -e " + Quoted(code));
+}
+
+std::size_t Occurrences(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (auto at = text.find(part); at != text.npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+std::string LibraryThatIsNoPlugin() {
+  Dl_info info = {};
+  dladdr(dlsym(RTLD_DEFAULT, "gnu_get_libc_version"), &info);
+  return info.dli_fname ? info.dli_fname : "";
+}
+
+// A command line or a program, and what it has to come to.
+struct Case {
+  std::string given;
+  int status;
+  std::string said;
+};
+
+void Check(const Case& row, const Ran& ran) {
+  SCOPED_TRACE(row.given);
+  EXPECT_EQ(ran.status, row.status) << ran.output;
+  EXPECT_NE(ran.output.find(row.said), std::string::npos) << ran.output;
+}
+
+TEST(ZRKHost, AnswersCommandLines) {
+  const Case cases[] = {
+      {"--help", 0, "--without SERVICE"},
+      {"--version", 0, "Lua 5.4"},
+      {"--host=2011 -e 'print(host.version)'", 0, "2011.0\n"},
+      {"--host none -e 'print(host.version)'", 0, "nil\n"},
+      {"-e 'a = 1' -e 'print(a + 1)'", 0, "2\n"},
+      {"/nowhere.lua", 1, "cannot open /nowhere.lua"},
+  };
+  for (const Case& row : cases) Check(row, ZRKHost(row.given));
+  const std::string code = Quoted("print(arg[0], #arg, ...)");
+  EXPECT_EQ(Shell("echo " + code + " | " ZRK_HOST_PROGRAM " - a 'b c'").output, "-\t2\ta\tb c\n");
+  EXPECT_EQ(Shell("echo " + code + " | " ZRK_HOST_PROGRAM).output, "-\t0\n");
+}
+
+TEST(ZRKHost, RefusesWithOneLineWhatItCannotStart) {
+  const Case cases[] = {
+      {"--frobnicate", 2, "no option \"--frobnicate\""},
+      {"-e", 2, "\"-e\" needs an argument"},
+      {"--host=young", 2, "not \"young\""},
+      {"--describe=xml", 2, "text, markdown and json"},
+      {"--without Nothing", 2, "\"Nothing\" is no service"},
+      {"--library /nowhere.so", 2, "/nowhere.so: no such file"},
+      {"--library " __FILE__, 2, "cannot be loaded"},
+      {"--library " + LibraryThatIsNoPlugin(), 2, "no plugin"},
+  };
+  for (const Case& row : cases) {
+    const Ran ran = ZRKHost(row.given);
+    Check(row, ran);
+    EXPECT_EQ(Occurrences(ran.output, "\n"), 1U) << ran.output;
+    EXPECT_TRUE(ran.output.starts_with("zrkhost: ")) << ran.output;
+  }
+}
+
+TEST(ZRKHost, ExitsAsTheProgramWent) {
+  const Case cases[] = {
+      {"return", 0, ""},
+      {"local function f() error('ouch') end f()", 1, "1: ouch\nstack traceback:"},
+      {"if", 1, "near <eof>"},
+      {"RegExZRK():Offset(0, 1)", 1, "Offset(integer, integer) fits no declaration"},
+      {"RegExZRK():Offset(-1)", 1, "zrkhost: OutOfBoundsException: Parameter index"},
+      {"os.exit(5)", 5, ""},
+      {"os.exit(true)", 0, ""},
+      {"os.exit(false)", 1, ""},
+      {"re = RegExZRK() re:Compile('a') re:Execute('a')", 0, ""},
+      {"host.task(function() error('late') end) host.yield() print('on')", 1, "late\nstack"},
+      {"host.task(function() while true do host.yield() end end) host.yield()", 0, ""},
+  };
+  for (const Case& row : cases) Check(row, Lua(row.given));
+  const Case unbalanced[] = {
+      {"re = RegExZRK() re:Compile('abc')", 3, "string #2 \"abc\": 2 references were never given"},
+      {"re = RegExZRK() re:Compile('abc') os.exit()", 3, "REALLockString"},
+      {"re = RegExZRK() re:Compile('abc') os.exit(5)", 5, "do not balance"},
+      {"re = RegExZRK() re:Compile('abc') error()", 1, "do not balance"},
+  };
+  for (const Case& row : unbalanced) Check(row, Lua(row.given, "--without REALUnlockString"));
+}
+
+TEST(ZRKHost, DescribesTheWholeClass) {
+  const std::string text = ZRKHost("--describe").output;
+  for (const char* line : {"Class RegExZRK\n", "\nMethods (34)\n", "\nProperties (55)\n",
+                           "\nConstants (26)\n", "\n  Version as string\n",
+                           "\n  Count as Integer, read only\n", "\n  ErrorPlugin = -99\n"}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line << text;
+  }
+  EXPECT_EQ(Occurrences(text, "\n  "), 115U);
+  EXPECT_EQ(Occurrences(ZRKHost("--describe=markdown").output, "\n| `"), 115U);
+  const std::string json = ZRKHost("--describe=json --host 2011").output;
+  EXPECT_EQ(Occurrences(json, R"("declaration": )"), 34U);
+  EXPECT_EQ(Occurrences(json, R"("writable": )"), 55U);
+  EXPECT_EQ(Occurrences(json, R"("value": )"), 26U);
+  EXPECT_NE(json.find(R"(string = \"\") as string")"), std::string::npos);
+  EXPECT_NE(json.find(R"({"name": "inverse", "type": "boolean", "default": false}])"),
+            std::string::npos);
+}
+
+TEST(ZRKHost, ShowsServicesAndTheirAbsence) {
+  const std::string filter = "re = RegExZRK() re:Compile('a') print(#re:Match{'a', 'b'})";
+  const std::string trace = Lua(filter, "--host 2013 --trace").output;
+  EXPECT_NE(trace.find("> RegExZRK.Match(string array #"), std::string::npos) << trace;
+  EXPECT_EQ(trace.find("string array getter("), std::string::npos) << trace;
+  const std::string indirect = Lua(filter, "--host 2013 --trace --no-direct-storage").output;
+  EXPECT_NE(indirect.find("string array getter("), std::string::npos);
+  const std::string no_insert =
+      "--without PluginStringArrayInsertProc --without RuntimeArrayDirectGetInsertProc";
+  EXPECT_EQ(Lua(filter, no_insert).output, "0\n");
+}
+
+// Programs that print, on a compiled object `re`.
+TEST(ZRKHost, CarriesValuesBothWays) {
+  const std::map<std::string, std::string> cases = {
+      {"print(re:Execute('xab'), re.Count, re:Substring('n'), re:Offset(2))", "2\t2\ta\t1\n"},
+      {"print(RegExZRK.ErrorNoMatch, re.ErrorNoMatch, regexzrk)", "-1\t-1\tnil\n"},
+      {"print(re.VECTORSIZE, re:offset(0), RegExZRK(99).VectorSize)", "51\t0\t99\n"},
+      {"print(re:Substring(40) == '', re.TextMemory)", "true\tnil\n"},
+      {"re.CompileOptionCaseLess = true print(re.CompileOptions)", "10753\n"},
+      {"print(table.concat(re:Match{'a', 'b', 'ba'}, ','))", "a,ba\n"},
+      {"print(table.concat(re:Match({n = 3, 'b', nil, 'a'}, true), ','))", "b,\n"},
+      {"re:Compile('[1T]') print(table.concat(re:Match{10, true, 2.5, 'x', '1'}, ','))",
+       "10,True,1\n"},
+      {"print(#re:Match{}, #re:Match(host.null('variant()')))", "0\t0\n"},
+      {"local a = host.stringarray{'x', 'y'} a:resize(3) print(#a, a[2], a[3], a[4])",
+       "3\ty\t\tnil\n"},
+      {"print(table.unpack(host.variantarray{1, 'b'}:totable()))", "1\tb\n"},
+      {"local s = host.string('\\xE4a', 'windows latin-1') "
+       "print(s, #s, s:bytes() == '\\xE4a', s:encoding(), re:Execute(s), re.Text, re:Offset(0))",
+       "äa\t2\ttrue\tWindows Latin-1\t2\täa\t2\n"},
+      {"local b = host.memoryblock('x\\0ab') print(re:ExecuteMemory(b), re:Offset(0), #b)",
+       "2\t2\t4\n"},
+      {"local b = host.memoryblock('abc') b:write(1, 'BC') b:byte(0, 65) "
+       "print(b, b:size(), b:byte(1), b:read(1), b:read(0, 2), b:read(3) == '')",
+       "ABC\t3\t66\tBC\tAB\ttrue\n"},
+      {"local b = host.memoryblock('a') re:ExecuteMemory(b) print(re.TextMemory == b)", "true\n"},
+      {"local ok, e = pcall(re.Offset, re, 51) print(ok, e.class, e.number, #e.message > 9)",
+       "false\tOutOfBoundsException\t0\ttrue\n"},
+      {"do local x <close> = re end print(pcall(function() return re.Count end))",
+       "false\t(command line):1: this handle is closed\n"},
+      {"re = nil collectgarbage() print(#host.problems())", "0\n"},
+      {"local t = host.clock() print(math.type(t), host.clock() >= t, host.isatty())",
+       "float\ttrue\tfalse\n"},
+  };
+  for (const auto& [code, output] : cases) {
+    SCOPED_TRACE(code);
+    const Ran ran = Lua("re = RegExZRK.new() re:Compile('(?<n>a)') " + code);
+    EXPECT_EQ(ran.output, output);
+    EXPECT_EQ(ran.status, 0);
+  }
+}
+
+TEST(ZRKHost, NamesTheDeclarationsAfterAWrongCall) {
+  const Case cases[] = {
+      {"re:Compiel('a')", 1,
+       "no \"Compiel\"; it has:\n  Compile(pattern as string) as boolean\nst"},
+      {"re.MatchLimits = 1", 1, "RegExZRK has no property \"MatchLimits\""},
+      {"re:Frobnicate()", 1, "\n  Version as string\n"},
+      {"re:Compile(1)", 1, "Compile(integer) fits no declaration: Compile(pattern as string)"},
+      {"re:Execute({})", 1, "Execute(start as integer = 0) as integer; Execute(text as string,"},
+      {"re:Match(nil)", 1, "Match(nil) fits more than one declaration"},
+      {"re.Compile('a')", 1, "Compile is called with a colon"},
+      {"re:Offset(1 << 31)", 1, "2147483648 does not fit the host's Integer"},
+      {"re:Execute(print)", 1, "the host has no value like a Lua function"},
+      {"re.Count = 1", 1, "Count as Integer is read-only"},
+      {"re.MatchLimit = 'many'", 1, "MatchLimit as Integer takes no string"},
+      {"RegExZRK.Match()", 1, "RegExZRK itself has \"new\" and constants"},
+      {"RegExZRK.ErrorNoMatch = 1", 1, "takes no new members"},
+      {"RegExZRK('x')", 1, "Constructor(string) fits no declaration"},
+      {"host.string('a', 'EBCDIC')", 1, "there are: UTF-8, UTF-16, UTF-32, ASCII"},
+      {"host.memoryblock('abc'):read(2, 2)", 1, "not all in a block of 3 bytes"},
+      {"host.memoryblock('abc'):byte(-1)", 1, "not all in a block of 3 bytes"},
+      {"host.variantarray{{}}", 1, "arrays hold no arrays"},
+      {"host.null('integer')", 1, "integer has no nil"},
+  };
+  for (const Case& row : cases) Check(row, Lua("re = RegExZRK() " + row.given));
+}
+
+// Lua for a value that fits the type.
+std::string Sample(const Type& type) {
+  const std::map<Kind, std::string> samples = {
+      {Kind::kInteger, "0"},         {Kind::kBoolean, "true"},
+      {Kind::kString, "'a'"},        {Kind::kMemoryBlock, "host.memoryblock('a\\0')"},
+      {Kind::kStringArray, "{'a'}"}, {Kind::kVariantArray, "{1}"}};
+  return samples.at(type.kind);
+}
+
+TEST(ZRKHost, ReachesEveryMember) {
+  standin::Host host;
+  standin::Library library(ZRK_LIBRARY_PATH);
+  library.Start(host);
+  const standin::ClassInfo& info = *host.FindClass("RegExZRK");
+  std::ostringstream script;
+  script << "local re = RegExZRK() re:Compile('a') local n = 0\n";
+  for (const auto& method : info.methods()) {
+    script << "re:" << method.declaration.name << "(";
+    const auto& parameters = method.declaration.parameters;
+    for (const auto& parameter : parameters) {
+      script << (&parameter == parameters.data() ? "" : ", ") << Sample(parameter.type);
+    }
+    script << ") n = n + 1\n";
+  }
+  for (const auto& property : info.properties()) {
+    script << "local value = re." << property.name << " n = n + 1\n";
+    if (property.setter) script << "re." << property.name << " = value\n";
+  }
+  for (const auto& constant : info.constants()) {
+    script << "assert(RegExZRK." << constant.text.substr(0, constant.text.find(' '))
+           << " == " << std::get<std::int32_t>(constant.declaration.value) << ") n = n + 1\n";
+  }
+  const std::string file = TempDir() + "every_member_" + std::to_string(getpid()) + ".lua";
+  std::ofstream(file) << "do " << script.str() << " print(n) end";
+  const Ran ran = ZRKHost(file);
+  EXPECT_EQ(ran.output, "115\n");
+  EXPECT_EQ(ran.status, 0);
+  std::filesystem::remove(file);
+}
+
+TEST(ZRKHost, GivesTasksTheirTurns) {
+  const std::map<std::string, std::string> cases = {
+      // At least two yields in every threaded call, one turn in each.
+      {"n = 0 host.task(function() while n < 2 do n = n + 1 coroutine.yield() end end) "
+       "re:ExecuteMT('a') print(n)",
+       "2\n"},
+      {"for i = 1, 2 do host.task(function() for k = 1, 2 do io.write(i, k, ' ') host.yield() end "
+       "end) end while host.yield() do end print()",
+       "11 21 12 22 \n"},
+      // A task that starts a threaded call of its own: the others still get their turns.
+      {"host.task(function() local own = RegExZRK() own:Compile('b') print(own:ExecuteMT('b')) "
+       "end) host.task(function() print('turn') end) print(re:ExecuteMT('a'))",
+       "turn\n1\n1\n"},
+  };
+  for (const auto& [code, output] : cases) {
+    SCOPED_TRACE(code);
+    EXPECT_EQ(Lua("re = RegExZRK() re:Compile('a') " + code).output, output);
+  }
+}
+
+TEST(ZRKHost, Prompts) {
+  const std::string home = TempDir() + "zrkhost_home_" + std::to_string(getpid());
+  std::filesystem::create_directory(home);
+  const std::string lines = R"(re=RegExZRK()\nre.VectorSize\nfor i=2,2 do\nprint(i*21)\nend\n)"
+                            R"(re:Foo()\nif)\n"still "..[[here]]\n)";
+  const Ran ran = Shell("printf " + Quoted(lines) + " | HOME=" + Quoted(home) +
+                        " TERM=dumb script -qec " ZRK_HOST_PROGRAM " /dev/null");
+  for (const char* said : {"\n51\r\n", "\n42\r\n", "has no \"Foo\"", "near ')'", "\nstill here"}) {
+    EXPECT_NE(ran.output.find(said), std::string::npos) << said << " in " << ran.output;
+  }
+  EXPECT_EQ(ran.status, 0);
+  std::ifstream history(home + "/.zrkhost_history");
+  const std::string kept((std::istreambuf_iterator<char>(history)), {});
+  EXPECT_NE(kept.find("re=RegExZRK()"), std::string::npos) << kept;
+  std::filesystem::remove_all(home);
+}
+
+}  // namespace

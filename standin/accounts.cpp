@@ -40,10 +40,10 @@ void History::Add(const Event& event) {
 std::string History::Text() const {
   if (count_ == 0) return "nothing";
   std::string text = EventText(first_);
-  const std::uint64_t later = count_ - 1;
-  const std::uint64_t shown = std::min<std::uint64_t>(later, kKept);
+  const std::size_t later = count_ - 1;
+  const std::size_t shown = std::min(later, kKept);
   if (later > shown) text += ", ...";
-  for (std::uint64_t i = later - shown; i < later; ++i) {
+  for (std::size_t i = later - shown; i < later; ++i) {
     text += ", " + EventText(latest_[i % kKept]);
   }
   return text;

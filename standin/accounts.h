@@ -48,7 +48,7 @@ class History {
   static constexpr std::size_t kKept = 6;
   Event first_;
   std::array<Event, kKept> latest_;
-  std::uint64_t count_ = 0;
+  std::size_t count_ = 0;
 };
 
 // Something with an address that the library sees and references that are counted.

@@ -16,18 +16,12 @@ using tests::DescribeDirectly;
 using tests::Kind;
 using tests::Object;
 using tests::OnEachHost;
+using tests::OutOfBounds;
 using tests::Raised;
 using tests::Session;
 using tests::Value;
 
 constexpr const char* kNil = "NilObjectException: ";
-
-std::string OutOfBounds(const std::string& parameter, const std::string& method, int value,
-                        int maximum) {
-  return "OutOfBoundsException: Parameter " + parameter + " to method " + method + " is too " +
-         (value < 0 ? "small" : "big") + ". Range is 0 to " + std::to_string(maximum) +
-         ", but value is " + std::to_string(value) + ".";
-}
 
 TEST(MemoryBlock, PatternsAreReadWithinTheBlock) {
   struct Row {

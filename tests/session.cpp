@@ -119,4 +119,11 @@ std::string Raised(const Outcome& outcome) {
   return lines;
 }
 
+std::string OutOfBounds(const std::string& parameter, const std::string& method, int value,
+                        int maximum) {
+  return "OutOfBoundsException: Parameter " + parameter + " to method " + method + " is too " +
+         (value < 0 ? "small" : "big") + ". Range is 0 to " + std::to_string(maximum) +
+         ", but value is " + std::to_string(value) + ".";
+}
+
 }  // namespace tests

@@ -62,6 +62,10 @@ std::string DescribeDirectly(const std::string& pattern, const std::string& subj
 // What was raised, as "Class: message" lines; empty for nothing.
 std::string Raised(const Outcome& outcome);
 
+// What Raised shows for a parameter outside 0 to maximum.
+std::string OutOfBounds(const std::string& parameter, const std::string& method, int value,
+                        int maximum);
+
 }  // namespace tests
 
 #endif  // ZRK_TESTS_SESSION_H

@@ -1,0 +1,221 @@
+// Execute: the engine's own answer on the same bytes, the subject that is kept, and the limits.
+#include <gtest/gtest.h>
+#include <pcre.h>
+
+#include <cstdint>
+#include <string>
+
+#include "tests/session.h"
+
+namespace {
+
+using namespace std::string_literals;
+using tests::Describe;
+using tests::DescribeDirectly;
+using tests::Object;
+using tests::OnEachHost;
+using tests::Raised;
+using tests::Session;
+using tests::Value;
+
+TEST(Execute, AnswersWhatTheEngineDoes) {
+  struct Row {
+    std::string pattern, subject;
+    int start = 0;
+  };
+  const Row rows[] = {
+      {"b+", "abbb"},
+      {"b+?", "abbb"},
+      {"b", "abbb", 2},
+      {"x", "abbb"},
+      {"", ""},
+      {"^$", ""},
+      {"(a)|(b)|(c)", "xc"},
+      {"(a)(?<n>b)?(c)", "ac"},
+      {"()(a)", "a"},
+      {"(?<=\xC3\xA4)\xC3\xB6", "\xC3\xA4\xC3\xB6"},
+      {"\\p{Lu}", "\xC3\xA4\xC3\x84"},
+      {"(a\\0b)", "xa\0by"s},
+      {"a\\Kb", "ab"},
+      // Start offsets are the engine's to judge, also inside a character.
+      {"b", "abbb", 4},
+      {"b", "abbb", 5},
+      {"b", "abbb", -1},
+      {"b", "abbb", INT32_MIN},
+      {".", "\xC3\xA4z", 1},
+      {"a", "", 1},
+  };
+  OnEachHost([&](Session& session) {
+    for (const Row& row : rows) {
+      SCOPED_TRACE(row.pattern + " on " + row.subject);
+      const Object regex = session.Compiled(row.pattern);
+      const int result = regex.Call("Execute", {row.subject, row.start}).Integer();
+      const std::string direct = DescribeDirectly(row.pattern, row.subject, row.start);
+      EXPECT_EQ(Describe(regex, result), direct);
+      EXPECT_EQ(regex.Get("Text").Bytes(), row.subject) << "kept, also without a match";
+      const int again = regex.Call("Execute", {row.start}).Integer();
+      EXPECT_EQ(Describe(regex, again), direct);
+    }
+  });
+}
+
+TEST(Execute, WalksTheKeptSubject) {
+  const std::string subject = "one, tw\xC3\xB6, three";
+  OnEachHost([&](Session& session) {
+    const Object regex = session.Compiled("(\\w+)(?!\\w)");
+    int matches = 0;
+    int result = regex.Call("Execute", {subject}).Integer();
+    for (int start = 0;; result = regex.Call("Execute", {start}).Integer()) {
+      EXPECT_EQ(Describe(regex, result), DescribeDirectly("(\\w+)(?!\\w)", subject, start));
+      if (result < 1) break;
+      ++matches;
+      start = regex.Call("Offset", {1}).Integer();
+    }
+    EXPECT_EQ(matches, 3);
+  });
+}
+
+TEST(Execute, ACodeTellsWhatIsWrong) {
+  struct Row {
+    const char* what;
+    std::string pattern, subject;
+    int start;
+    unsigned execute_options;
+    int expected;
+  };
+  constexpr unsigned kChecked = 0;
+  const Row rows[] = {
+      {"bad UTF-8", "a", "b\xFF", 0, kChecked, PCRE_ERROR_BADUTF8},
+      {"a cut character", "a", "b\xC3", 0, kChecked, PCRE_ERROR_BADUTF8},
+      {"a start inside a character", "a", "\xC3\xA4", 1, kChecked, PCRE_ERROR_BADUTF8_OFFSET},
+      {"a start past the end", "a", "b", 2, kChecked, PCRE_ERROR_BADOFFSET},
+      {"an option that is none", "a", "b", 0, PCRE_CASELESS, PCRE_ERROR_BADOPTION},
+  };
+  OnEachHost([&](Session& session) {
+    for (const Row& row : rows) {
+      SCOPED_TRACE(row.what);
+      const Object regex = session.Compiled(row.pattern);
+      regex.Set("ExecuteOptions", static_cast<std::int32_t>(row.execute_options));
+      EXPECT_EQ(regex.Call("Execute", {row.subject, row.start}).Integer(), row.expected);
+      EXPECT_EQ(regex.Get("Lasterror").Integer(), row.expected);
+      EXPECT_EQ(regex.Get("Count").Integer(), 0);
+    }
+    const Object fresh = session.Compiled("a");
+    EXPECT_EQ(fresh.Call("Execute").Integer(), PCRE_ERROR_NULL) << "no subject was ever kept";
+    EXPECT_EQ(fresh.Get("Lasterror").Integer(), PCRE_ERROR_NULL);
+  });
+}
+
+// Told not to check, the engine would read past the subject or outside its tables; it is shown 0x1A
+// for each such byte, and everything that is reported is of the real subject.
+TEST(Execute, UnsafeBytesAreHiddenFromAnUncheckedEngine) {
+  struct Row {
+    std::string pattern, subject, shown;
+    int start = 0;
+  };
+  const Row rows[] = {
+      {"a\\x1Ab",
+       "a\xFD"
+       "b",
+       "a\x1A"
+       "b"},
+      {"(?i)\\p{L}+\\x1A\\w", "x\xFFy", "x\x1Ay"},
+      {"..", "a\xC3", "a\x1A"},
+      {".{3}$", "ab\xF0", "ab\x1A"},
+      {".+?\\z", "\xE2\x82", "\x1A\x82"},
+      {"\\x1A\\x1A(.)", "\x80\xBFz", "\x1A\x1Az"},
+      {".\\x1A?", "a\xF4\x90\x80\x80", "a\x1A\x90\x80\x80"},
+      {"(?<=b)c",
+       "\xFE"
+       "bc",
+       "\x1A"
+       "bc",
+       1},
+      {"\xF4\x8F\xBF\xBF", "\xF4\x8F\xBF\xBF", "\xF4\x8F\xBF\xBF"},
+  };
+  OnEachHost([&](Session& session) {
+    for (const Row& row : rows) {
+      SCOPED_TRACE(row.pattern + " on " + testing::PrintToString(row.subject));
+      const Object regex = session.Compiled(row.pattern);
+      const Value text = session.host.MemoryBlock(row.subject);
+      EXPECT_EQ(regex.Call("ExecuteMemory", {text, row.start}).Integer(),
+                regex.Call("Execute", {row.subject, row.start}).Integer());
+      const std::string shown = Describe(regex, regex.Call("Execute", {row.start}).Integer());
+      const int start = regex.Call("Offset", {0}).Integer();
+      const int end = regex.Call("Offset", {1}).Integer();
+      const std::string direct = DescribeDirectly(row.pattern, row.shown, row.start);
+      EXPECT_EQ(shown.substr(0, shown.find('"')), direct.substr(0, direct.find('"')));
+      ASSERT_TRUE(0 <= start && start <= end && end <= static_cast<int>(row.subject.size()));
+      EXPECT_EQ(regex.Call("Substring", {0}).Bytes(),
+                row.subject.substr(static_cast<std::size_t>(start),
+                                   static_cast<std::size_t>(end - start)));
+    }
+    // A pattern of plain bytes sees them as they are.
+    const Object bytes = session.New();
+    bytes.Set("CompileOptionUTF8", false);
+    EXPECT_TRUE(bytes.Call("Compile", {"\\xFD(.)"}).Boolean());
+    EXPECT_EQ(Describe(bytes, bytes.Call("Execute", {"a\xFD\xC3"}).Integer()),
+              DescribeDirectly("\\xFD(.)", "a\xFD\xC3", 0, PCRE_UNGREEDY));
+  });
+}
+
+TEST(Execute, WithoutAPatternNothingIsKept) {
+  OnEachHost([](Session& session) {
+    const Object regex = session.New();
+    const Value block = session.host.MemoryBlock("a");
+    for (const tests::Values& arguments : {tests::Values{"a"}, tests::Values{0}}) {
+      EXPECT_EQ(Describe(regex, regex.Call("Execute", arguments).Integer()), "0 err=-99");
+    }
+    EXPECT_EQ(Describe(regex, regex.Call("ExecuteMemory", {block}).Integer()), "0 err=-99");
+    EXPECT_TRUE(regex.Get("Text").IsNil());
+    EXPECT_TRUE(regex.Get("TextMemory").IsNil());
+  });
+}
+
+TEST(Execute, ASmallVectorHoldsWhatFits) {
+  OnEachHost([](Session& session) {
+    std::string pattern;
+    for (int group = 0; group < 20; ++group) pattern += "(.)";
+    const Object regex = session.Compiled(pattern);
+    EXPECT_EQ(regex.Call("Execute", {"abcdefghijklmnopqrstuvwxyz"}).Integer(), 0);
+    EXPECT_EQ(regex.Get("Lasterror").Integer(), 0);
+    EXPECT_EQ(regex.Get("Count").Integer(), 0);
+    EXPECT_EQ(regex.Call("Offset", {33}).Integer(), 16) << "group 16 is the last of 17 pairs";
+    EXPECT_EQ(regex.Call("Substring", {16}).UTF8(), "p");
+    EXPECT_EQ(regex.Call("Substring", {17}).UTF8(), "");
+  });
+}
+
+// A limit binds the very next match and no longer, studied or not, and on its own object only.
+TEST(Execute, LimitsComeAndGo) {
+  const std::string subject(2000, 'a');
+  OnEachHost([&](Session& session) {
+    const Object other = session.Compiled("a+$");
+    for (const bool studied : {false, true}) {
+      const Object regex = session.Compiled("(?:a|b)+$");
+      if (studied) regex.Call("Study");
+      struct Row {
+        const char* property;
+        int limit, expected;
+      };
+      const Row rows[] = {
+          {"MatchLimit", 1, PCRE_ERROR_MATCHLIMIT},
+          {"MatchLimit", 0, 1},
+          {"MatchLimitRecursion", 10, PCRE_ERROR_RECURSIONLIMIT},
+          {"MatchLimitRecursion", -1, 1},
+          {"MatchLimit", 10, PCRE_ERROR_MATCHLIMIT},
+          {"MatchLimit", INT32_MAX, 1},
+          {"MatchLimit", INT32_MIN, 1},
+      };
+      for (const Row& row : rows) {
+        SCOPED_TRACE(row.property + " "s + std::to_string(row.limit));
+        regex.Set(row.property, row.limit);
+        EXPECT_EQ(regex.Call("Execute", {subject}).Integer(), row.expected);
+        EXPECT_EQ(regex.Get("Lasterror").Integer(), std::min(row.expected, 0));
+        EXPECT_EQ(other.Call("Execute", {subject}).Integer(), 1);
+      }
+    }
+  });
+}
+
+}  // namespace

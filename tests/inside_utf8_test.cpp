@@ -1,0 +1,106 @@
+// The byte scans against slow ones that say the same rule a byte at a time, on random bytes of
+// lengths around every block size.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "text/subject_notes.h"
+#include "text/utf8.h"
+
+namespace {
+
+using ByteString = std::vector<unsigned char>;
+
+std::size_t SlowSequenceLength(unsigned char lead) {
+  if (lead >= 0xC0 && lead <= 0xDF) return 2;
+  if (lead >= 0xE0 && lead <= 0xEF) return 3;
+  if (lead >= 0xF0 && lead <= 0xF7) return 4;
+  return 1;
+}
+
+ByteString SlowWithoutUnsafeBytes(const ByteString& bytes) {
+  ByteString copy = bytes;
+  bool at_start = true;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const unsigned char byte = bytes[i];
+    at_start = at_start && byte >= 0x80 && byte <= 0xBF;
+    const bool cut = i + SlowSequenceLength(byte) > bytes.size();
+    const bool past_last = byte == 0xF4 && !cut && (bytes[i + 1] & 0x3F) >= 0x10;
+    if (at_start || byte >= 0xF5 || cut || past_last) copy[i] = 0x1A;
+  }
+  return copy;
+}
+
+// Characters before each offset from 0 to the length.
+std::vector<std::size_t> SlowCharacters(const ByteString& bytes) {
+  std::vector<std::size_t> counts{0};
+  std::size_t next = 0;
+  for (std::size_t offset = 1; offset <= bytes.size(); ++offset) {
+    const bool begins = next == offset - 1;
+    if (begins) next += SlowSequenceLength(bytes[offset - 1]);
+    counts.push_back(counts.back() + (begins ? 1 : 0));
+  }
+  return counts;
+}
+
+// Mostly ASCII, with single bytes of the interesting values: long clean runs are what blocks skip.
+ByteString RandomBytes(std::mt19937& random, std::size_t length, int odd_bytes) {
+  constexpr unsigned char kOdd[] = {0x80, 0xBF, 0xC3, 0xDF, 0xE2, 0xEF, 0xF0, 0xF3,
+                                    0xF4, 0xF5, 0xF7, 0xF8, 0xFD, 0xFF, 0x8F, 0x90};
+  ByteString bytes(length, 'a');
+  for (int i = 0; i < odd_bytes && length > 0; ++i) {
+    const std::size_t at = i % 3 == 0 ? std::min(length - 1, random() % 4) : random() % length;
+    bytes[at] = kOdd[random() % std::size(kOdd)];
+  }
+  return bytes;
+}
+
+void Check(const ByteString& bytes) {
+  const std::size_t size = bytes.size();
+  const bool ascii = std::ranges::all_of(bytes, [](unsigned char byte) { return byte < 0x80; });
+  EXPECT_EQ(zrk::IsASCII(bytes.data(), size), ascii);
+
+  ByteString safe = SlowWithoutUnsafeBytes(bytes);
+  EXPECT_EQ(zrk::HasUnsafeBytes(bytes.data(), size), safe != bytes);
+  safe.push_back(0);
+  EXPECT_EQ(zrk::CopyWithoutUnsafeBytes(bytes.data(), size), safe);
+
+  const std::vector<std::size_t> counts = SlowCharacters(bytes);
+  const std::size_t middle = size / 3;
+  const auto half_way = zrk::WalkCharacters(bytes.data(), {}, middle);
+  EXPECT_EQ(half_way.characters, counts[middle]);
+  EXPECT_EQ(zrk::WalkCharacters(bytes.data(), half_way, size).characters, counts[size]);
+  zrk::SubjectNotes notes;
+  for (const std::size_t offset : {size, middle, size - middle, std::size_t{0}, size}) {
+    EXPECT_EQ(notes.CharactersBefore(bytes.data(), offset), counts[offset]);
+  }
+}
+
+TEST(UTF8, ScansAgreeWithSlowOnesAtEveryLength) {
+  std::mt19937 random(2017);
+  for (std::size_t length = 0; length <= 600; ++length) {
+    for (const int odd_bytes : {0, 1, 1, 2, 5, 40, 1000}) {
+      const ByteString bytes = RandomBytes(random, length, odd_bytes);
+      Check(bytes);
+      if (HasFailure()) FAIL() << "with " << testing::PrintToString(bytes);
+    }
+  }
+}
+
+// One odd byte at each place of a text of several blocks.
+TEST(UTF8, NoPlaceIsOverlooked) {
+  for (const int odd : {0x80, 0xC3, 0xE2, 0xF4, 0xF5}) {
+    for (std::size_t at = 0; at < 600; ++at) {
+      ByteString bytes(600, 'a');
+      bytes[at] = static_cast<unsigned char>(odd);
+      if (odd == 0xF4 && at + 1 < bytes.size()) bytes[at + 1] = 0x90;
+      Check(bytes);
+      if (HasFailure()) FAIL() << odd << " at " << at;
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,225 @@
+// Options, facts about the pattern, and facts about the engine.
+#include <gtest/gtest.h>
+#include <pcre.h>
+
+#include <cstdint>
+#include <string>
+
+#include "tests/session.h"
+
+namespace {
+
+using tests::Object;
+using tests::OnEachHost;
+using tests::Session;
+
+constexpr std::uint32_t kCompileDefault = 0x2A00;
+constexpr std::uint32_t kExecuteDefault = 0x2000;
+
+struct Option {
+  const char* name;
+  std::uint32_t value;
+
+  bool IsForCompile() const { return *name == 'C'; }
+  const char* word() const { return IsForCompile() ? "CompileOptions" : "ExecuteOptions"; }
+  std::uint32_t fallback() const { return IsForCompile() ? kCompileDefault : kExecuteDefault; }
+};
+
+// By name and value as scripts know them, not by the engine's header.
+constexpr Option kOptions[] = {
+    {"CompileOptionCaseLess", 0x1},
+    {"CompileOptionMultiline", 0x2},
+    {"CompileOptionDotAll", 0x4},
+    {"CompileOptionExtended", 0x8},
+    {"CompileOptionAnchored", 0x10},
+    {"ExecuteOptionAnchored", 0x10},
+    {"CompileOptionDollarEndOnly", 0x20},
+    {"ExecuteOptionNotBOL", 0x80},
+    {"ExecuteOptionNotEOL", 0x100},
+    {"CompileOptionUngreedy", 0x200},
+    {"ExecuteOptionNotEmpty", 0x400},
+    {"CompileOptionUTF8", 0x800},
+    {"CompileOptionNoAutoCapture", 0x1000},
+    {"CompileOptionNoUTF8Check", 0x2000},
+    {"ExecuteOptionNoUTF8Check", 0x2000},
+    {"CompileOptionAutoCallOut", 0x4000},
+    {"ExecuteOptionPartial", 0x8000},
+    {"CompileOptionFirstLine", 0x40000},
+    {"CompileOptionDuplicateNames", 0x80000},
+    {"CompileOptionNewLineCR", 0x100000},
+    {"CompileOptionNewLineLF", 0x200000},
+    {"CompileOptionNewLineCRLF", 0x300000},
+    {"CompileOptionNewLineAny", 0x400000},
+    {"CompileOptionNewLineAnyCRLF", 0x500000},
+    {"ExecuteOptionNewLineCR", 0x100000},
+    {"ExecuteOptionNewLineLF", 0x200000},
+    {"ExecuteOptionNewLineCRLF", 0x300000},
+    {"ExecuteOptionNewLineAny", 0x400000},
+    {"ExecuteOptionNewLineAnyCRLF", 0x500000},
+    {"CompileOptionBSRAnyCRLF", 0x800000},
+    {"ExecuteOptionBSRAnyCRLF", 0x800000},
+    {"CompileOptionBSRUnicode", 0x1000000},
+    {"ExecuteOptionBSRUnicode", 0x1000000},
+    {"CompileOptionJavaScriptCompat", 0x2000000},
+    {"ExecuteOptionNoStartOptimize", 0x4000000},
+    {"CompileOptionNoStartOptimize", 0x4000000},
+    {"ExecuteOptionPartialHard", 0x8000000},
+    {"ExecuteOptionNotEmptyAtStart", 0x10000000},
+    {"CompileOptionUnicodeCodePoints", 0x20000000},
+};
+static_assert(std::size(kOptions) == 39);
+
+std::uint32_t Word(const Object& regex, const Option& option) {
+  return static_cast<std::uint32_t>(regex.Get(option.word()).Integer());
+}
+
+TEST(Options, SetAndClearTheirBitsOnly) {
+  OnEachHost([](Session& session) {
+    for (const Option& option : kOptions) {
+      SCOPED_TRACE(option.name);
+      const Object regex = session.New();
+      EXPECT_EQ(regex.Get(option.name).Boolean(), (option.fallback() & option.value) != 0);
+      regex.Set(option.name, true);
+      EXPECT_EQ(Word(regex, option), option.fallback() | option.value);
+      EXPECT_TRUE(regex.Get(option.name).Boolean());
+      regex.Set(option.name, false);
+      EXPECT_EQ(Word(regex, option), option.fallback() & ~option.value);
+      EXPECT_FALSE(regex.Get(option.name).Boolean());
+
+      regex.Set(option.word(), -1);
+      regex.Set(option.name, false);
+      EXPECT_EQ(Word(regex, option), ~option.value);
+      // The other word stays as it was.
+      EXPECT_EQ(regex.Get(option.IsForCompile() ? "ExecuteOptions" : "CompileOptions").Integer(),
+                static_cast<int>(option.IsForCompile() ? kExecuteDefault : kCompileDefault));
+    }
+  });
+}
+
+// The getter answers for any of an option's bits, which shows in the options of two bits.
+TEST(Options, GettersAnswerForAnyBit) {
+  Session session;
+  const Object regex = session.New();
+  for (const Option& option : kOptions) {
+    for (int bit = 0; bit < 32; ++bit) {
+      const std::uint32_t word = std::uint32_t{1} << bit;
+      regex.Set(option.word(), static_cast<std::int32_t>(word));
+      EXPECT_EQ(regex.Get(option.name).Boolean(), (word & option.value) != 0)
+          << option.name << ", bit " << bit;
+    }
+  }
+}
+
+// Each option alone, through a compile and a match, must do what it does in the engine itself.
+TEST(Options, ReachTheEngine) {
+  struct Row {
+    const char* pattern;
+    const char* subject;
+  };
+  constexpr Row kRows[] = {
+      {"^a+ b$", "\rAaa b\n"},
+      {"(?<n>a)(.)b*", "xa\nbb"},
+      {"\\w+\\R$", "\xC3\xA4z\r\n"},
+      {"b*", "abb"},
+      {"\\Aab", "abc"},
+      {"[]a]|(z)", "]"},
+      {"a.c$",
+       "ab\xC3\xA4"
+       "c\r\n"},
+  };
+  Session session;
+  for (const Option& option : kOptions) {
+    for (const bool value : {true, false}) {
+      for (const Row& row : kRows) {
+        SCOPED_TRACE(testing::Message() << option.name << ' ' << value << ": " << row.pattern);
+        const Object regex = session.New();
+        regex.Set(option.name, value);
+        std::uint32_t compile = kCompileDefault;
+        std::uint32_t execute = kExecuteDefault;
+        std::uint32_t& word = option.IsForCompile() ? compile : execute;
+        word = value ? word | option.value : word & ~option.value;
+        const std::string direct =
+            tests::DescribeDirectly(row.pattern, row.subject, 0, compile, execute);
+        if (!regex.Call("Compile", {row.pattern}).Boolean()) {
+          EXPECT_EQ(regex.Get("ErrorMessage").UTF8(), direct);
+          continue;
+        }
+        const int result = regex.Call("Execute", {row.subject}).Integer();
+        EXPECT_EQ(tests::Describe(regex, result), direct);
+      }
+    }
+  }
+}
+
+TEST(Info, TellsAboutTheCompiledPattern) {
+  OnEachHost([](Session& session) {
+    const Object regex = session.New();
+    for (const char* name : {"InfoStudySize", "InfoSize", "InfoCaptureCount", "InfoNameCount"}) {
+      EXPECT_EQ(regex.Get(name).Integer(), 0) << name;
+      EXPECT_EQ(regex.Get("Lasterror").Integer(), -99) << name;
+      regex.Call("ConfigLinkSize");
+      EXPECT_EQ(regex.Get("Lasterror").Integer(), 0);
+    }
+    ASSERT_TRUE(regex.Call("Compile", {"(a)(?<x>b)(?<y>c)"}).Boolean());
+    regex.Call("Study");
+    regex.Call("StringNumber", {"unknown"});
+    EXPECT_EQ(regex.Get("InfoCaptureCount").Integer(), 3);
+    EXPECT_EQ(regex.Get("Lasterror").Integer(), 0);
+    EXPECT_EQ(regex.Get("InfoNameCount").Integer(), 2);
+
+    const char* message = nullptr;
+    int offset = 0;
+    pcre* const code =
+        pcre_compile("(a)(?<x>b)(?<y>c)", kCompileDefault, &message, &offset, nullptr);
+    pcre_extra* const study = pcre_study(code, 0, &message);
+    std::size_t size = 0;
+    std::size_t study_size = 0;
+    pcre_fullinfo(code, study, PCRE_INFO_SIZE, &size);
+    pcre_fullinfo(code, study, PCRE_INFO_STUDYSIZE, &study_size);
+    pcre_free_study(study);
+    pcre_free(code);
+    EXPECT_EQ(regex.Get("InfoSize").Integer(), static_cast<int>(size));
+    EXPECT_EQ(regex.Get("InfoStudySize").Integer(), static_cast<int>(study_size));
+  });
+}
+
+TEST(Config, TellsHowTheEngineWasBuilt) {
+  struct Row {
+    const char* method;
+    int item;
+    bool is_boolean, is_long;
+  };
+  constexpr Row kRows[] = {
+      {"ConfigUTF8", 0, true, false},
+      {"ConfigNewLine", 1, false, false},
+      {"ConfigLinkSize", 2, false, false},
+      {"ConfigMallocThreshold", 3, false, false},
+      {"ConfigMatchLimit", 4, false, true},
+      {"ConfigStackRecurse", 5, true, false},
+      {"ConfigUnicodeProperties", 6, true, false},
+      {"ConfigMatchLimitRecursion", 7, false, true},
+      {"ConfigBSR", 8, true, false},
+  };
+  OnEachHost([&](Session& session) {
+    const Object regex = session.New();
+    for (const Row& row : kRows) {
+      SCOPED_TRACE(row.method);
+      int number = 0;
+      unsigned long large = 0;
+      EXPECT_EQ(row.is_long ? pcre_config(row.item, &large) : pcre_config(row.item, &number), 0);
+      const long expected = row.is_long ? static_cast<long>(large) : number;
+      regex.Get("InfoSize");  // leaves an error behind
+      const auto answer = regex.Call(row.method);
+      EXPECT_EQ(regex.Get("Lasterror").Integer(), 0);
+      if (row.is_boolean) {
+        EXPECT_EQ(answer.Boolean(), expected != 0);
+      } else {
+        EXPECT_EQ(answer.Integer(), expected);
+      }
+    }
+    EXPECT_EQ(regex.Call("Version").Bytes(), pcre_version());
+    EXPECT_EQ(regex.Call("Version").Encoding(), zrk::kEncodingASCII);
+  });
+}
+
+}  // namespace

@@ -1,0 +1,115 @@
+// The threaded runner itself, in the forms and failures that no method of the class reaches.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <cerrno>
+#include <thread>
+
+#include "host/state.h"
+#include "host/threaded_runner.h"
+#include "standin/host.h"
+
+extern "C" void REALPluginMain(zrk::HostResolver resolver);
+
+namespace {
+
+std::atomic<bool> no_thread = false;
+std::atomic<bool> no_attributes = false;
+
+template <typename Function>
+Function* Next(const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+// In front of the C library's own functions of that name.
+extern "C" {
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
+                   void* argument) noexcept {
+  static const auto create = Next<decltype(pthread_create)>("pthread_create");
+  return no_thread ? EAGAIN : create(thread, attributes, start, argument);
+}
+
+int pthread_attr_init(pthread_attr_t* attributes) noexcept {
+  static const auto init = Next<decltype(pthread_attr_init)>("pthread_attr_init");
+  return no_attributes ? ENOMEM : init(attributes);
+}
+}
+
+namespace {
+
+struct Seen {
+  int works = 0;
+  int idles = 0;
+  bool on_caller = true;
+  std::thread::id caller = std::this_thread::get_id();
+};
+
+void Work(void* data) {
+  auto& seen = *static_cast<Seen*>(data);
+  ++seen.works;
+  seen.on_caller = std::this_thread::get_id() == seen.caller;
+}
+
+void SlowWork(void* data) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  Work(data);
+}
+
+// On the caller's thread only, and so beside the worker's fields.
+void Idle(void* data) {
+  auto& seen = *static_cast<Seen*>(data);
+  ++seen.idles;
+  EXPECT_EQ(std::this_thread::get_id(), seen.caller);
+}
+
+class ThreadedRunner : public testing::Test {
+ protected:
+  ThreadedRunner() { REALPluginMain(&standin::Host::Resolve); }
+  ~ThreadedRunner() override {
+    no_thread = no_attributes = false;
+    EXPECT_EQ(host_.Problems(), std::vector<std::string>());
+  }
+  unsigned Yields() const { return static_cast<unsigned>(host_.Calls("REALYieldToRB")); }
+
+  standin::Host host_;
+  Seen seen_;
+};
+
+TEST_F(ThreadedRunner, RunsTheWorkOnAnotherThreadAndIdlesOnThisOne) {
+  zrk::RunThreaded(&seen_, SlowWork, Idle);
+  EXPECT_EQ(seen_.works, 1);
+  EXPECT_FALSE(seen_.on_caller);
+  EXPECT_GE(seen_.idles, 2);
+  // A turn before the first look, one in each cycle and one at the end; an idle call in each cycle
+  // and one at the end.
+  EXPECT_EQ(Yields(), static_cast<unsigned>(seen_.idles) + 1);
+}
+
+TEST_F(ThreadedRunner, NeedsNeitherWorkNorIdle) {
+  zrk::RunThreaded(&seen_, nullptr, Idle);
+  EXPECT_EQ(seen_.works, 0);
+  EXPECT_GE(seen_.idles, 1);
+  EXPECT_GE(Yields(), 2U);
+  zrk::RunThreaded(&seen_, Work, nullptr);
+  EXPECT_EQ(seen_.works, 1);
+  zrk::RunThreaded(nullptr, nullptr, nullptr);
+}
+
+TEST_F(ThreadedRunner, DoesNothingWhereNoThreadCanBeHad) {
+  for (std::atomic<bool>* const missing : {&no_thread, &no_attributes}) {
+    *missing = true;
+    zrk::RunThreaded(&seen_, Work, Idle);
+    EXPECT_EQ(seen_.works, 0);
+    EXPECT_EQ(seen_.idles, 0);
+    EXPECT_EQ(Yields(), 0U);
+    *missing = false;
+  }
+  zrk::RunThreaded(&seen_, Work, Idle);
+  EXPECT_EQ(seen_.works, 1);
+}
+
+}  // namespace

@@ -10,15 +10,16 @@ SHELL := /bin/bash
 .DEFAULT_GOAL := help
 .NOTPARALLEL:
 
-# $(call build,PRESET): configures and builds one preset into build/PRESET.
-build = cmake --preset $(1) -Wno-dev --log-level=WARNING && cmake --build --preset $(1) -j $(JOBS)
+# $(call build,PRESET[,TARGETS]): configures one preset and builds it, or these targets of it.
+build = cmake --preset $(1) -Wno-dev --log-level=WARNING && \
+        cmake --build --preset $(1) -j $(JOBS) $(addprefix --target ,$(2))
 
 help:  ## list these targets
 	@awk -F ':.*## ' '/^[a-z0-9-]+:.*## / {printf "make %-12s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
 
 demo:  ## build, then find things in real text (FILE=path for a text of your own)
 	@tools/setup build
-	@$(call build,dev) --target ZRKRegEx zrkhost
+	@$(call build,dev,ZRKRegEx zrkhost)
 	@build/dev/zrkhost examples/demo.lua $(FILE)
 
 test:  ## build and run every test
@@ -41,17 +42,17 @@ sanitize:  ## the tests under address, leak and undefined; the threaded ones und
 
 fuzz:  ## run each fuzz target for FUZZ_SECONDS (60)
 	@tools/setup build clang
-	$(call build,fuzz)
+	$(call build,fuzz,$(patsubst fuzz/%.cpp,%,$(wildcard fuzz/*_fuzz.cpp)))
 	@tools/run-fuzz $(FUZZ_SECONDS)
 
 bench:  ## measure against the bare engine and write docs/benchmarks.md
 	@tools/setup build bench
-	$(call build,release)
+	$(call build,release,ZRKRegEx zrk_bench)
 	@bench/run
 
 bench-check:  ## a quick measurement that fails when a ratio falls behind its target
 	@tools/setup build bench
-	$(call build,release)
+	$(call build,release,ZRKRegEx zrk_bench)
 	@bench/run --check
 
 coverage:  ## lines and branches that the tests reach, by room, with an HTML report
@@ -66,7 +67,7 @@ docs:  ## the documentation as HTML, in build/docs
 package: docs  ## build/package/ZRKRegEx.xojo_plugin, and a check of it
 	@tools/setup build m32 package
 	@tools/fetch-i386
-	$(call build,m32)
+	$(call build,m32,ZRKRegEx zrkhost)
 	@packaging/make-package build/m32/libZRKRegEx.so build/docs/help build/package
 	@packaging/check-package build/package/ZRKRegEx.xojo_plugin build/m32/zrkhost
 

@@ -1,0 +1,102 @@
+#include "fuzz/plain_regex.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "fuzz/reference.h"
+
+namespace fuzz {
+
+std::vector<std::string> PlainMatch::Groups(const std::string& subject, std::size_t count) const {
+  std::vector<std::string> groups(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const int start = vector[2 * i];
+    const int end = vector[2 * i + 1];
+    if (start < 0 || start >= end) continue;
+    groups[i] =
+        subject.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
+  }
+  return groups;
+}
+
+PlainRegex::PlainRegex(const std::string& pattern, std::uint32_t compile_options,
+                       std::uint32_t execute_options)
+    : execute_options_(execute_options) {
+  const std::string read = pattern.c_str();  // up to the first NUL byte
+  if (ShownAs(read) != read) compile_options &= ~std::uint32_t{PCRE_NO_UTF8_CHECK};
+  const char* message = nullptr;
+  int offset = 0;
+  code_ = {
+      pcre_compile(read.c_str(), static_cast<int>(compile_options), &message, &offset, nullptr),
+      pcre_free};
+}
+
+void PlainRegex::Study() {
+  const char* message = nullptr;
+  study_.reset(pcre_study(code_.get(), 0, &message));
+}
+
+PlainMatch PlainRegex::Match(const std::string& subject, std::size_t start,
+                             std::size_t vector_size) const {
+  unsigned long options = 0;
+  pcre_fullinfo(code_.get(), nullptr, PCRE_INFO_OPTIONS, &options);
+  const bool unchecked = (options & PCRE_UTF8) != 0 && (execute_options_ & PCRE_NO_UTF8_CHECK) != 0;
+  const std::string shown = unchecked ? ShownAs(subject) : subject;
+  PlainMatch match{0, std::vector<int>(vector_size)};
+  match.result = pcre_exec(code_.get(), study_.get(), shown.data(), static_cast<int>(shown.size()),
+                           static_cast<int>(start), static_cast<int>(execute_options_),
+                           match.vector.data(), static_cast<int>(vector_size));
+  return match;
+}
+
+std::string Expand(const std::string& text, const std::vector<std::string>& groups) {
+  const auto is_digit = [&](std::size_t at) {
+    return at < text.size() && std::isdigit(static_cast<unsigned char>(text[at])) != 0;
+  };
+  std::string out;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] != '\\') {
+      out += text[at];
+    } else if (const std::size_t escaped = ++at; is_digit(escaped)) {
+      if (is_digit(at + 1)) ++at;
+      const std::size_t group = std::stoul(text.substr(escaped, at + 1 - escaped));
+      if (group < groups.size()) out += groups[group];
+    } else if (at == text.size()) {
+      out += '\0';
+    } else {
+      const std::size_t control = std::string("trn").find(text[at]);
+      out += control == std::string::npos ? text[at] : "\t\r\n"[control];
+    }
+  }
+  return out;
+}
+
+PlainReplaceAll ReplaceAll(const PlainRegex& regex, const std::string& target,
+                           const std::string& new_text) {
+  constexpr std::size_t kVectorSize = 303;
+  constexpr std::size_t kGroups = 100;
+  PlainReplaceAll all;
+  std::size_t copied = 0;
+  const auto copy_to = [&](std::size_t end) {
+    if (end > copied) all.text += target.substr(copied, end - copied);
+    copied = std::max(copied, end);
+  };
+  for (std::size_t at = 0;;) {
+    ++all.engine_calls;
+    const PlainMatch match = regex.Match(target, at, kVectorSize);
+    if (match.result < 1) break;
+    const auto start = static_cast<std::size_t>(match.vector[0]);
+    const auto end = static_cast<std::size_t>(match.vector[1]);
+    copy_to(start);
+    all.text += Expand(new_text, match.Groups(target, kGroups));
+    copied = std::max(copied, end);
+    if (end >= target.size()) break;
+    std::size_t next = start == end ? end + SequenceLength(target, end) : end;
+    if (next <= at) next = at + SequenceLength(target, at);
+    at = next;
+  }
+  copy_to(target.size());
+  return all;
+}
+
+}  // namespace fuzz

@@ -1,0 +1,228 @@
+#include "fuzz/session.h"
+
+#include <sched.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <ctime>
+#include <limits>
+#include <vector>
+
+#include "fuzz/statics.h"
+#include "standin/encoding.h"
+#include "standin/library.h"
+
+// The library waits for its worker in naps of a millisecond; here a nap is one turn of the others.
+extern "C" int nanosleep(const std::timespec*, std::timespec*) {
+  sched_yield();
+  return 0;
+}
+
+namespace fuzz {
+namespace {
+
+constexpr std::optional<double> kVersions[] = {2017.0,  2011.0,  2012.0, 2013.0,      2013.03,
+                                               2013.04, 2016.04, 2021.0, std::nullopt};
+constexpr std::size_t kOffsets[] = {32, 8, 16, 40};
+constexpr const char* kExceptions[] = {"OutOfBoundsException", "NilObjectException",
+                                       "RuntimeException"};
+// Without these there is nothing to run, or a reference that cannot be taken or given back.
+constexpr std::string_view kNeeded[] = {"PluginRegisterClass", "REALLockString",
+                                        "REALUnlockString",    "REALLockObject",
+                                        "REALUnlockObject",    "PluginDisposeStringData"};
+
+constexpr std::uint32_t kEncodings[] = {zrk::kEncodingUTF8,
+                                        zrk::kEncodingUTF8,
+                                        zrk::kEncodingUTF8,
+                                        zrk::kEncodingASCII,
+                                        zrk::kEncodingUTF16,
+                                        zrk::kEncodingUTF32,
+                                        zrk::kEncodingISOLatin1,
+                                        zrk::kEncodingWindowsLatin1,
+                                        zrk::kEncodingMacRoman,
+                                        zrk::kEncodingUnknown,
+                                        0x0B0B0B0B};
+
+constexpr std::int32_t kIntegers[] = {0,
+                                      1,
+                                      2,
+                                      3,
+                                      -1,
+                                      16,
+                                      17,
+                                      50,
+                                      51,
+                                      999,
+                                      std::numeric_limits<std::int32_t>::max(),
+                                      std::numeric_limits<std::int32_t>::min()};
+
+constexpr std::size_t kMostBytes = 64;
+constexpr std::size_t kRepeats[] = {1, 1, 1, 1, 1, 2, 5, 12};
+
+struct Plugin {
+  standin::Library library{ZRK_LIBRARY_PATH};
+  Statics statics{ZRK_LIBRARY_PATH};
+};
+
+Plugin& ThePlugin() {
+  static Plugin plugin;
+  return plugin;
+}
+
+const std::vector<std::string>& FaultyServices() {
+  static const std::vector<std::string> names = [] {
+    std::vector<std::string> all = standin::Host::ServiceNames();
+    std::erase_if(all, [](const std::string& name) {
+      return std::ranges::find(kNeeded, name) != std::end(kNeeded);
+    });
+    return all;
+  }();
+  return names;
+}
+
+void AddFault(Input& input, standin::HostOptions& options) {
+  const std::string& name = FaultyServices()[input.Below(FaultyServices().size())];
+  const unsigned kind = input.Below(4);
+  options.faults[name] = kind == 0 ? standin::Fault::Missing()
+                                   : standin::Fault::AnswersNull(static_cast<int>(kind) - 1);
+}
+
+// What the host is given in the old layout is allocated, and is the host's for ever.
+void FreeOldTables(const standin::ClassInfo& info) {
+  if (!info.old_layout()) return;
+  std::free(info.definition().Properties);
+  std::free(info.definition().Methods);
+  std::free(info.definition().Constants);
+}
+
+std::string AnyText(Input& input) {
+  const std::string text = input.Bytes(kMostBytes);
+  std::string repeated;
+  for (std::size_t i = input.Pick(kRepeats); i > 0; --i) repeated += text;
+  return repeated;
+}
+
+Value AnyArray(Input& input, standin::Host& host, Kind kind) {
+  constexpr Kind kElements[] = {Kind::kString, Kind::kInteger, Kind::kBoolean, Kind::kDouble};
+  Values elements;
+  for (unsigned count = input.Below(5); count > 0; --count) {
+    const bool texts = kind == Kind::kStringArray;
+    elements.push_back(AnyValue(input, host, texts ? Kind::kString : input.Pick(kElements)));
+  }
+  return kind == Kind::kStringArray ? host.StringArray(elements) : host.VariantArray(elements);
+}
+
+Value AnyMemoryBlock(Input& input, standin::Host& host) {
+  const unsigned choice = input.Below(16);
+  if (choice == 0) return Value::Nil(Kind::kMemoryBlock);
+  if (choice == 1)
+    return host.MemoryBlockWithoutData(AnyValue(input, host, Kind::kInteger).Integer());
+  if (choice == 2) return host.MemoryBlockClaiming(AnyText(input), -1);
+  return host.MemoryBlock(AnyText(input));
+}
+
+}  // namespace
+
+standin::HostOptions WholeHost(Input& input) {
+  standin::HostOptions options;
+  options.version = input.Pick(kVersions);
+  const unsigned bits = input.Byte();
+  options.direct_storage = (bits & 1) == 0;
+  options.terminate_string_data = (bits & 2) == 0;
+  options.instance_offset = kOffsets[(bits >> 2) & 3];
+  return options;
+}
+
+standin::HostOptions AnyHost(Input& input) {
+  standin::HostOptions options = WholeHost(input);
+  if (input.Below(4) == 3) {
+    for (unsigned faults = 1 + input.Below(3); faults > 0; --faults) AddFault(input, options);
+    if (input.Truth()) options.unknown_classes = {input.Pick(kExceptions)};
+  }
+  return options;
+}
+
+Session::Session(standin::HostOptions options) : host(std::move(options)) {
+  if (PrintsLua()) PrintLua(LuaOf(host.options()));
+  Plugin& plugin = ThePlugin();
+  plugin.statics.Restore();
+  plugin.library.Start(host);
+}
+
+Session::~Session() {
+  const std::vector<std::string> problems = host.Problems();
+  for (const std::string& problem : problems) PrintLua("-- " + problem);
+  Check(problems.empty(), "the accounts balance");
+  for (const auto& info : host.classes()) FreeOldTables(*info);
+}
+
+bool Session::IsWhole() const {
+  return host.options().faults.empty() && host.options().unknown_classes.empty();
+}
+
+std::string Session::Announce(const std::string& call) {
+  std::string name = "r" + std::to_string(++objects_);
+  if (PrintsLua()) PrintLua("local " + name + " = " + call);
+  return name;
+}
+
+// The name comes first: whatever the constructor does, it is printed.
+Regex::Regex(Session& session, std::int32_t vector_size)
+    : name_(session.Announce("RegExZRK.new(" + std::to_string(vector_size) + ")")),
+      object_(session.host.New("RegExZRK", {vector_size})) {}
+
+Regex Regex::Unconstructed(Session& session) {
+  return {session.Announce("RegExZRK.new() -- without its constructor"),
+          session.host.NewUninitialised("RegExZRK")};
+}
+
+Outcome Regex::Call(std::string_view method, const Values& arguments) const {
+  if (PrintsLua()) {
+    PrintLua("pcall(" + name_ + "." + std::string(method) + ", " + name_ +
+             (arguments.empty() ? "" : ", ") + LuaOf(arguments) + ")");
+  }
+  return object_.TryCall(method, arguments);
+}
+
+std::int32_t Regex::Ask(std::string_view method, const Values& arguments) const {
+  return Call(method, arguments).value.Integer();
+}
+
+void Regex::Set(std::string_view property, const Value& value) const {
+  if (PrintsLua()) PrintLua(name_ + "." + std::string(property) + " = " + LuaOf(value));
+  object_.Set(property, value);
+}
+
+Value AnyString(Input& input, standin::Host& host) {
+  const unsigned encoding = input.Below(std::size(kEncodings) + 1);
+  if (encoding == std::size(kEncodings)) return Value::Nil(Kind::kString);
+  return host.String(AnyText(input), kEncodings[encoding]);
+}
+
+Value AnyPattern(Input& input, standin::Host& host) {
+  const std::uint32_t encoding = input.Pick(kEncodings);
+  const auto begin = standin::ConvertText(kBounded, zrk::kEncodingUTF8, encoding);
+  return host.String(begin.value_or(std::string(kBounded)) + input.Bytes(kMostBytes), encoding);
+}
+
+Value AnyValue(Input& input, standin::Host& host, Kind kind) {
+  switch (kind) {
+    case Kind::kInteger: {
+      const unsigned choice = input.Byte();
+      return choice < 0x80 ? input.Pick(kIntegers) : static_cast<std::int32_t>(choice - 0x80);
+    }
+    case Kind::kBoolean:
+      return input.Truth();
+    case Kind::kDouble:
+      return input.Byte() / 8.0;
+    case Kind::kString:
+      return AnyString(input, host);
+    case Kind::kMemoryBlock:
+      return AnyMemoryBlock(input, host);
+    default:
+      return input.Below(8) == 0 ? Value::Nil(kind) : AnyArray(input, host, kind);
+  }
+}
+
+}  // namespace fuzz

@@ -63,15 +63,16 @@ void InsertString(_REALarrayString* handle, std::int32_t index, REALstringStruct
   array->Insert(static_cast<std::size_t>(index), text ? string : nullptr);
 }
 
-REALstringStruct* StringGetter(_REALarrayString* array, std::int32_t index) {
+STANDIN_BARE_ADDRESS REALstringStruct* StringGetter(_REALarrayString* array, std::int32_t index) {
   return Answer(kNoRow, "string array getter", &ReadString, 0, array, index);
 }
 
-REALobjectStruct* ObjectGetter(_REALarrayObject* array, std::int32_t index) {
+STANDIN_BARE_ADDRESS REALobjectStruct* ObjectGetter(_REALarrayObject* array, std::int32_t index) {
   return Answer(kNoRow, "variant array getter", &ReadObject, 0, array, index);
 }
 
-void StringInserter(_REALarrayString* array, std::int32_t index, REALstringStruct* string) {
+STANDIN_BARE_ADDRESS void StringInserter(_REALarrayString* array, std::int32_t index,
+                                         REALstringStruct* string) {
   Answer(kNoRow, "string array inserter", &InsertString, 0, array, index, string);
 }
 

@@ -35,7 +35,7 @@ template <std::size_t kRow, int kNeutral, auto kImplementation>
 struct Entry;
 template <std::size_t kRow, int kNeutral, typename R, typename... A, R (*kImplementation)(A...)>
 struct Entry<kRow, kNeutral, kImplementation> {
-  static R Call(A... arguments) {
+  STANDIN_BARE_ADDRESS static R Call(A... arguments) {
     return Answer(kRow, kNames[kRow].data(), kImplementation, kNeutral, arguments...);
   }
 };

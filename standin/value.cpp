@@ -1,5 +1,6 @@
 #include "standin/value.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "host/records.h"
@@ -63,7 +64,9 @@ Reference::~Reference() {
 }
 
 Value::Value(std::string_view utf8) {
-  if (Host* host = Host::Current()) *this = host->String(utf8);
+  Host* host = Host::Current();
+  if (!host) throw std::logic_error("a text was made without a host");
+  *this = host->String(utf8);
 }
 
 Value::Value(Kind kind, Reference reference) : kind_(kind), reference_(std::move(reference)) {}

@@ -62,7 +62,8 @@ class Value {
   template <std::same_as<bool> B>
   Value(B truth) : kind_(Kind::kBoolean), number_(truth) {}        // NOLINT: implicit
   Value(double number) : kind_(Kind::kDouble), number_(number) {}  // NOLINT: implicit
-  // These build a UTF-8 string in the current host; the bytes are not checked.
+  // These build a UTF-8 string in the current host; the bytes are not checked. Without a host they
+  // throw std::logic_error.
   Value(std::string_view utf8);                                      // NOLINT: implicit
   Value(const char* utf8) : Value(std::string_view(utf8)) {}         // NOLINT: implicit
   Value(const std::string& utf8) : Value(std::string_view(utf8)) {}  // NOLINT: implicit

@@ -66,18 +66,26 @@ class VariantElements {
 
 class ResultArray {
  public:
-  ResultArray() : array_(static_cast<_REALarrayString*>(REALCreateArray(kStringElements, -1))) {}
+  ResultArray()
+      : reference_(ObjectReference::Adopt(
+            static_cast<REALobjectStruct*>(REALCreateArray(kStringElements, -1)))) {}
 
   void Append(REALstringStruct* string) {
-    if (array_ == nullptr) return;
-    if (insert_ == nullptr) insert_ = REALInsertArrayValueString(array_);
-    if (insert_ != nullptr) insert_(array_, REALGetArrayUBound(array_) + 1, string);
+    if (array() == nullptr) return;
+    if (insert_ == nullptr) insert_ = REALInsertArrayValueString(array());
+    if (insert_ != nullptr) insert_(array(), REALGetArrayUBound(array()) + 1, string);
   }
 
-  _REALarrayString* array() const { return array_; }
+  // Hands the array to the host; one that is not handed over is given back.
+  _REALarrayString* Take() { return AsArray(reference_.Take()); }
 
  private:
-  _REALarrayString* array_;
+  static _REALarrayString* AsArray(REALobjectStruct* object) {
+    return reinterpret_cast<_REALarrayString*>(object);
+  }
+  _REALarrayString* array() const { return AsArray(reference_.get()); }
+
+  ObjectReference reference_;
   StringArrayInserter insert_ = nullptr;
 };
 
@@ -102,15 +110,15 @@ _REALarrayString* MatchArray(RegExClassData& data, Array* array, HostBoolean inv
   if (!RequireVector(data)) return nullptr;
   Release(data.ErrorMessage);
   ResultArray result;
-  if (data.Handle == nullptr || array == nullptr) return result.array();
+  if (data.Handle == nullptr || array == nullptr) return result.Take();
   const std::int32_t upper_bound = REALGetArrayUBound(array);
-  if (upper_bound < 0) return result.array();
+  if (upper_bound < 0) return result.Take();
   const Source source(array);
   for (std::int32_t index = 0; index <= upper_bound; ++index) {
     const StringReference element = FetchWithin(array, source, index);
     if (Matches(data, element.get()) != (inverse != 0)) result.Append(element.get());
   }
-  return result.array();
+  return result.Take();
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ const std::vector<CallRow>& CallRows() {
       {"compile an error", "Compile", [](Host&) -> Values { return {"b("}; }},
       {"compile bytes", "CompileMemory",
        [](Host& host) -> Values {
-         return {host.MemoryBlock("xb(c)"), 1};
+         return {host.MemoryBlock("xb(c)(?#and a remark)"), 1};
        }},
       {"compile no bytes", "CompileMemory",
        [](Host&) -> Values {
@@ -119,11 +119,16 @@ const std::vector<CallRow>& CallRows() {
   return rows;
 }
 
+void Prepare(const Object& object) {
+  object.Call("Compile", {"(b)(?<n>c|x)"});
+  object.Call("Study");
+  object.Call("Execute", {kText, 0});
+}
+
 Object Prepared(Session& session) {
-  Object regex = session.Compiled("(b)(?<n>c|x)");
-  regex.Call("Study");
-  regex.Call("Execute", {kText});
-  return regex;
+  Object object = session.New();
+  Prepare(object);
+  return object;
 }
 
 Outcome Run(Session& session, const Object& object, const CallRow& row) {

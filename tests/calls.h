@@ -27,8 +27,9 @@ struct CallRow {
 // that the engine must not see unchecked.
 const std::vector<CallRow>& CallRows();
 
-// An object with a studied pattern of two groups, the second one named "n", and a match of it over
-// a kept text.
+// Gives the object a studied pattern of two groups, the second one named "n", and a match of it
+// over a kept text.
+void Prepare(const Object& object);
 Object Prepared(Session& session);
 
 Outcome Run(Session& session, const Object& object, const CallRow& row);

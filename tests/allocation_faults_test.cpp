@@ -1,0 +1,249 @@
+// Memory runs out once: for every method, at its first allocation, at its second, and so on until
+// it makes no more. The object stays usable each time, and nothing is lost.
+//
+// This program replaces the allocator. Only what the library or the engine asks for may fail, which
+// the address of the caller tells; the stand-in host always gets its memory.
+#include <gtest/gtest.h>
+#include <link.h>
+#include <pcre.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/calls.h"
+
+// Where a sanitizer has an allocator of its own, that one is meant.
+extern "C" [[gnu::weak]] void* __interceptor_calloc(std::size_t count, std::size_t size);
+extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
+
+namespace {
+
+using tests::CallRow;
+using tests::Object;
+using tests::Outcome;
+using tests::Session;
+
+// Counts the library's allocations from Arm on and lets the chosen one fail.
+struct Allocations {
+  std::uintptr_t low = 0;
+  std::uintptr_t high = 0;
+  int made = 0;
+  int failing = 0;
+
+  void Arm(int which) {
+    made = 0;
+    failing = which;
+  }
+  // Whether the chosen allocation was reached.
+  bool Disarm() { return std::exchange(failing, 0) <= made; }
+  bool Fails() { return failing > 0 && ++made == failing; }
+  bool FailsFor(const void* caller) {
+    const auto address = reinterpret_cast<std::uintptr_t>(caller);
+    return address >= low && address < high && Fails();
+  }
+};
+
+constinit Allocations allocations;
+constexpr int kNever = 1 << 20;
+
+void* Allocate(std::size_t size) { return std::malloc(size > 0 ? size : 1); }
+
+}  // namespace
+
+// Never inlined, or the caller would be somebody else.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+  void* memory = allocations.FailsFor(__builtin_return_address(0)) ? nullptr : Allocate(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+[[gnu::noinline]] void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return allocations.FailsFor(__builtin_return_address(0)) ? nullptr : Allocate(size);
+}
+[[gnu::noinline]] void* operator new[](std::size_t size) { return operator new(size); }
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t& nothrow) noexcept {
+  return operator new[](size, nothrow);
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete[](void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+
+extern "C" void* calloc(std::size_t count, std::size_t size) {
+  if (allocations.FailsFor(__builtin_return_address(0))) return nullptr;
+  return __interceptor_calloc != nullptr ? __interceptor_calloc(count, size)
+                                         : __libc_calloc(count, size);
+}
+
+namespace {
+
+void* AllocateForEngine(std::size_t size) {
+  return allocations.Fails() ? nullptr : std::malloc(size);
+}
+
+// The addresses of the library copy that was loaded last.
+int FindLibrary(dl_phdr_info* info, std::size_t, void*) {
+  if (std::strstr(info->dlpi_name, "libZRKRegEx") == nullptr) return 0;
+  for (int i = 0; i < info->dlpi_phnum; ++i) {
+    const ElfW(Phdr)& segment = info->dlpi_phdr[i];
+    if (segment.p_type != PT_LOAD || (segment.p_flags & PF_X) == 0) continue;
+    allocations.low = info->dlpi_addr + segment.p_vaddr;
+    allocations.high = allocations.low + segment.p_memsz;
+  }
+  return 0;
+}
+
+// A host whose string data needs copies, so that text is converted, copied and cleaned.
+class AllocationFaults : public testing::Test {
+ protected:
+  AllocationFaults() : session_({.version = 2017.0, .terminate_string_data = false}) {
+    dl_iterate_phdr(FindLibrary, nullptr);
+    pcre_malloc = AllocateForEngine;
+  }
+  ~AllocationFaults() override { pcre_malloc = std::malloc; }
+
+  std::string RunFailing(const Object& regex, const CallRow& row, int failing, bool& reached) {
+    const tests::Values arguments = row.arguments(session_.host);
+    allocations.Arm(failing);
+    const Outcome outcome = regex.TryCall(row.method, arguments);
+    reached = allocations.Disarm();
+    return tests::Show(regex, outcome);
+  }
+
+  Session session_;
+};
+
+const std::string kRaised = " OutOfMemoryException: Failed to allocate memory.";
+const std::string kTextShown =
+    "\"a\xC3\xA9"
+    "bc\xF5 bx bc\"";
+
+// What else than the right answer comes of a call, each of which must be seen: the exception; text
+// whose copy failed and reads as empty; the engine's own refusal; nil from the replace methods.
+struct Failure {
+  const char* label;
+  std::vector<std::string> outcomes;
+};
+
+const Failure kFailures[] = {
+    {"match", {"false err=-1", "false err=-99" + kRaised}},
+    {"match strings", {"[\"bc\"] err=0", "nil err=0" + kRaised}},
+    {"match strings inverse", {'[' + kTextShown + ", \"zz\", \"\"] err=0", "nil err=0" + kRaised}},
+    {"match variants", {"[\"bc\"] err=0", "nil err=0" + kRaised}},
+    {"match variants inverse",
+     {'[' + kTextShown + ", \"5\", \"True\", \"\"] err=0", "nil err=0" + kRaised}},
+    {"no such entry", {"nil err=0 OutOfBoundsException: Out of Bounds"}},
+    {"compile", {"false err=0"}},
+    {"compile bytes", {"false err=0", "false err=0" + kRaised}},
+    {"study", {"false err=0"}},
+    {"execute", {"-24 err=-24", "0 err=-99" + kRaised}},
+    {"execute bytes", {"0 err=-99" + kRaised}},
+    {"execute threaded", {"0 err=-24", "0 err=-99" + kRaised}},
+    {"execute bytes threaded", {"0 err=-99" + kRaised}},
+    {"no such offset", {"0 err=0 OutOfBoundsException: Out of Bounds"}},
+    {"replace", {"\"a\xC3\xA9\xF5 bx bc\" err=0", "nil err=-99"}},
+    {"replace selection", {"nil err=-99"}},
+    {"replace all", {"\"a\xC3\xA9\xF5  \" err=0", "nil err=-99"}},
+    {"delete all", {"nil err=-99"}},
+    {"escape", {"nil err=0", "nil err=0" + kRaised}},
+    {"unescape", {"nil err=0", "nil err=0" + kRaised}},
+};
+
+std::set<std::string> FailuresOf(const char* label) {
+  for (const Failure& failure : kFailures) {
+    if (failure.label == std::string(label)) {
+      return {failure.outcomes.begin(), failure.outcomes.end()};
+    }
+  }
+  return {};
+}
+
+TEST_F(AllocationFaults, GiveTheDocumentedAnswerAndLeaveTheObjectUsable) {
+  for (const CallRow& row : tests::CallRows()) {
+    SCOPED_TRACE(row.label);
+    bool reached = true;
+    const std::string healthy = RunFailing(tests::Prepared(session_), row, kNever, reached);
+    std::set<std::string> seen;
+    reached = true;
+    for (int failing = 1; reached; ++failing) {
+      const Object regex = tests::Prepared(session_);
+      seen.insert(RunFailing(regex, row, failing, reached));
+      tests::Prepare(regex);
+      bool unused = false;
+      EXPECT_EQ(RunFailing(regex, row, kNever, unused), healthy);
+    }
+    std::set<std::string> expected = FailuresOf(row.label);
+    expected.insert(healthy);
+    EXPECT_EQ(seen, expected);
+    ASSERT_EQ(session_.host.Problems(), std::vector<std::string>());
+  }
+}
+
+TEST_F(AllocationFaults, TellWhyNoPatternCouldBeCompiled) {
+  const Object regex = session_.New();
+  const tests::Values pattern = {"b(c)"};
+  allocations.Arm(1);
+  EXPECT_FALSE(regex.Call("Compile", pattern).Boolean());
+  EXPECT_TRUE(allocations.Disarm());
+  EXPECT_EQ(regex.Get("ErrorMessage").UTF8(), "failed to get memory");
+  EXPECT_EQ(regex.Call("Execute", {"bc", 0}).Integer(), 0);
+  EXPECT_EQ(regex.Get("Lasterror").Integer(), -99);
+  EXPECT_TRUE(regex.Call("Compile", pattern).Boolean());
+}
+
+TEST_F(AllocationFaults, LeaveAnObjectWithoutVectorToItsOptions) {
+  const Object regex = session_.host.NewUninitialised("RegExZRK");
+  allocations.Arm(1);
+  const Outcome outcome = regex.TryCall("Constructor", {60});
+  EXPECT_TRUE(allocations.Disarm());
+  EXPECT_EQ(tests::Raised(outcome), "OutOfMemoryException: Failed to allocate vector array.");
+  EXPECT_EQ(regex.Get("VectorSize").Integer(), 0);
+  EXPECT_EQ(regex.Get("CompileOptions").Integer(), 0x2A00);
+  EXPECT_TRUE(regex.Call("Compile", {"b"}).Boolean());
+  EXPECT_EQ(tests::Raised(regex.TryCall("Execute", {"b", 0})),
+            "NilObjectException: RegEx class not initialized.");
+}
+
+// The first text of all, and a text beside one that is kept, need memory for their adapters.
+TEST_F(AllocationFaults, ReachTheAdapterOfAKeptText) {
+  const Object regex = session_.Compiled("b");
+  const tests::Values subject = {"abc", 0};
+  for (const char* method : {"Execute", "ExecuteMT"}) {
+    allocations.Arm(1);
+    const Outcome outcome = regex.TryCall(method, subject);
+    EXPECT_TRUE(allocations.Disarm());
+    EXPECT_EQ(tests::Show(regex, outcome), "0 err=-99" + kRaised);
+    EXPECT_TRUE(regex.Get("Text").IsNil());
+  }
+  EXPECT_EQ(regex.Call("Execute", subject).Integer(), 1);
+}
+
+// The record of matches is a help only: without memory for it they are searched again.
+TEST_F(AllocationFaults, MakeReplaceAllSlowerOrNull) {
+  const Object regex = session_.Compiled("(b)(c)");
+  std::string target, replaced;
+  for (int i = 0; i < 1000; ++i) {
+    target += "abc";
+    replaced += "acb";
+  }
+  const CallRow row = {"", "ReplaceAll", [&](standin::Host&) -> tests::Values {
+                         return {target, "\\2\\1"};
+                       }};
+  bool reached = true;
+  int replaced_all = 0;
+  for (int failing = 1; reached; ++failing) {
+    const std::string outcome = RunFailing(regex, row, failing, reached);
+    if (outcome == "nil err=-99") continue;
+    EXPECT_TRUE(outcome == '"' + replaced + "\" err=0") << failing;
+    EXPECT_EQ(regex.Get("Count").Integer(), 1000);
+    ++replaced_all;
+  }
+  EXPECT_GE(replaced_all, 3);
+}
+
+}  // namespace

@@ -77,8 +77,8 @@ std::string Substitute(const EncodingRow& to) {
   std::string_view mark = "\xEF\xBF\xBD";
   std::string out;
   Converter converter("UTF-8", to.iconv_name);
-  if (!converter.open() || converter.Run(mark, out) != 0) out = "?";
-  return out;
+  const bool converted = converter.open() && converter.Run(mark, out) == 0;
+  return converted ? out : std::string(1, '?');
 }
 
 // Drops one bad or foreign character; of UTF-8 with the continuation bytes that follow it.

@@ -23,12 +23,14 @@ void ForgetPattern(RegExClassData& data) {
   ClearPattern(data);
 }
 
-// The engine compiles what it is told not to check as if it were UTF-8, and some bytes would take
-// it outside its tables. Such a pattern is left to the engine's own check, which refuses it.
+// The engine compiles what it is told not to check as if it were UTF-8: some bytes would take it
+// outside its tables, and a broken character outside the code it writes. Such a pattern is left to
+// the engine's own check, which refuses it.
 int OptionsFor(const RegExClassData& data, const char* pattern) {
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(pattern);
+  const std::size_t length = std::strlen(pattern);
   std::uint32_t options = data.CompileOptions;
-  if ((options & PCRE_NO_UTF8_CHECK) != 0 &&
-      HasUnsafeBytes(reinterpret_cast<const unsigned char*>(pattern), std::strlen(pattern))) {
+  if (HasUnsafeBytes(bytes, length) || HasBrokenCharacters(bytes, length)) {
     options &= ~std::uint32_t{PCRE_NO_UTF8_CHECK};
   }
   return static_cast<int>(options);

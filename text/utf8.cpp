@@ -164,6 +164,16 @@ bool HasUnsafeBytes(const unsigned char* bytes, std::size_t length) {
   return found;
 }
 
+bool HasBrokenCharacters(const unsigned char* bytes, std::size_t length) {
+  for (std::size_t at = 0; at < length;) {
+    if (IsContinuation(bytes[at])) return true;
+    const auto end = at + static_cast<std::size_t>(SequenceLength(bytes[at]));
+    if (end > length || !std::all_of(bytes + at + 1, bytes + end, IsContinuation)) return true;
+    at = end;
+  }
+  return false;
+}
+
 std::vector<unsigned char> CopyWithoutUnsafeBytes(const unsigned char* bytes, std::size_t length) {
   std::vector<unsigned char> copy;
   copy.reserve(length + 1);

@@ -38,6 +38,10 @@ CharacterPosition WalkCharacters(const unsigned char* bytes, CharacterPosition f
 // very start.
 bool HasUnsafeBytes(const unsigned char* bytes, std::size_t length);
 
+// Whether a lead byte is not followed by just the continuation bytes that it announces, or one of
+// them stands alone. Overlong forms and surrogates are whole characters.
+bool HasBrokenCharacters(const unsigned char* bytes, std::size_t length);
+
 // A copy, and a zero byte behind it, in which 0x1A stands for each unsafe byte. Throws
 // std::bad_alloc.
 std::vector<unsigned char> CopyWithoutUnsafeBytes(const unsigned char* bytes, std::size_t length);

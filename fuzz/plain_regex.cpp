@@ -23,7 +23,7 @@ PlainRegex::PlainRegex(const std::string& pattern, std::uint32_t compile_options
                        std::uint32_t execute_options)
     : execute_options_(execute_options) {
   const std::string read = pattern.c_str();  // up to the first NUL byte
-  if (ShownAs(read) != read) compile_options &= ~std::uint32_t{PCRE_NO_UTF8_CHECK};
+  if (!IsSafePattern(read)) compile_options &= ~std::uint32_t{PCRE_NO_UTF8_CHECK};
   const char* message = nullptr;
   int offset = 0;
   code_ = {

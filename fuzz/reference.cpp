@@ -52,6 +52,15 @@ std::string ShownAs(const std::string& bytes) {
   return shown;
 }
 
+bool IsSafePattern(const std::string& bytes) {
+  std::size_t announced = 0;
+  for (std::size_t at = 0; at < bytes.size(); ++at) {
+    if (IsContinuation(At(bytes, at)) != (announced > 0)) return false;
+    announced = announced > 0 ? announced - 1 : SequenceLength(bytes, at) - 1;
+  }
+  return announced == 0 && ShownAs(bytes) == bytes;
+}
+
 std::size_t SequenceLength(const std::string& bytes, std::size_t at) {
   const unsigned lead = At(bytes, at);
   if (lead >= 0xC0 && lead <= 0xDF) return 2;

@@ -16,6 +16,10 @@ std::string ReadAs(const standin::HostOptions& host, const standin::Value& strin
 // The bytes that an unchecking engine is shown: 0x1A for each byte that could lead it astray.
 std::string ShownAs(const std::string& bytes);
 
+// Whether an engine may compile the bytes unchecked: they are whole characters, and none of them
+// leads astray.
+bool IsSafePattern(const std::string& bytes);
+
 // How many bytes the lead byte at `at` announces.
 std::size_t SequenceLength(const std::string& bytes, std::size_t at);
 

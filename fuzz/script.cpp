@@ -16,7 +16,8 @@ std::string Quote(const std::string& bytes) {
   for (const char byte : bytes) {
     const bool plain = byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\';
     std::array<char, 8> text{byte};
-    if (!plain) std::snprintf(text.data(), text.size(), "\\x%02X", static_cast<unsigned char>(byte));
+    if (!plain)
+      std::snprintf(text.data(), text.size(), "\\x%02X", static_cast<unsigned char>(byte));
     out += text.data();
   }
   return out + "\"";

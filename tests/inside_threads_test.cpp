@@ -1,10 +1,9 @@
 // The threaded runner itself, in the forms and failures that no method of the class reaches.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <thread>
 
 #include "host/state.h"
@@ -15,27 +14,23 @@ extern "C" void REALPluginMain(zrk::HostResolver resolver);
 
 namespace {
 
-std::atomic<bool> no_thread = false;
-std::atomic<bool> no_attributes = false;
-
-template <typename Function>
-Function* Next(const char* name) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
+bool no_thread = false;
+bool no_attributes = false;
 
 }  // namespace
 
-// In front of the C library's own functions of that name.
+// What the product calls instead of the two functions, and the functions themselves.
 extern "C" {
-int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
-                   void* argument) noexcept {
-  static const auto create = Next<decltype(pthread_create)>("pthread_create");
-  return no_thread ? EAGAIN : create(thread, attributes, start, argument);
+int __real_pthread_create(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+int __real_pthread_attr_init(pthread_attr_t*);
+
+int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                          void* (*start)(void*), void* argument) {
+  return no_thread ? EAGAIN : __real_pthread_create(thread, attributes, start, argument);
 }
 
-int pthread_attr_init(pthread_attr_t* attributes) noexcept {
-  static const auto init = Next<decltype(pthread_attr_init)>("pthread_attr_init");
-  return no_attributes ? ENOMEM : init(attributes);
+int __wrap_pthread_attr_init(pthread_attr_t* attributes) {
+  return no_attributes ? ENOMEM : __real_pthread_attr_init(attributes);
 }
 }
 
@@ -100,7 +95,7 @@ TEST_F(ThreadedRunner, NeedsNeitherWorkNorIdle) {
 }
 
 TEST_F(ThreadedRunner, DoesNothingWhereNoThreadCanBeHad) {
-  for (std::atomic<bool>* const missing : {&no_thread, &no_attributes}) {
+  for (bool* const missing : {&no_thread, &no_attributes}) {
     *missing = true;
     zrk::RunThreaded(&seen_, Work, Idle);
     EXPECT_EQ(seen_.works, 0);

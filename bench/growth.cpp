@@ -1,8 +1,7 @@
 // The same work on 1, 10 and 100 MB: what a byte costs should not depend on how many there are.
 #include <functional>
-#include <memory>
 
-#include "bench/bare.h"
+#include "bench/engines.h"
 #include "bench/rounds.h"
 #include "bench/settings.h"
 

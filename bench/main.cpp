@@ -36,9 +36,10 @@ int TakeOptions(int count, char** arguments) {
 
 const Settings& TheSettings() { return settings; }
 
-const String& Text(const std::string& kind, int megabytes) {
+const String& Text(std::string_view kind, int megabytes) {
   static std::map<std::string, String> texts;
-  const std::string path = "build/bench/" + kind + "-" + std::to_string(megabytes) + ".txt";
+  const std::string path =
+      "build/bench/" + std::string(kind) + "-" + std::to_string(megabytes) + ".txt";
   const auto found = texts.find(path);
   return found != texts.end() ? found->second
                               : texts.emplace(path, String::FromFile(path)).first->second;

@@ -1,11 +1,6 @@
 // ReplaceAll against one walk of the bare engine over the same matches, and against the others'
 // GlobalReplace, which is given its copy of the target before the clock starts.
-#include <pcrecpp.h>
-#include <re2/re2.h>
-
-#include <memory>
-
-#include "bench/bare.h"
+#include "bench/engines.h"
 #include "bench/rounds.h"
 #include "bench/settings.h"
 
@@ -38,36 +33,39 @@ Contender ReplaceInPlace(std::string name, const String& target, Replace replace
           [text, &target] { text->assign(target.view()); }};
 }
 
-void RequireSameResult(const RegEx& regex, const RE2& re2, const String& target,
-                       const String& replacement) {
-  std::string expected(target.view());
-  RE2::GlobalReplace(&expected, re2, replacement.view());
-  const String result = String::Adopt(regex.replace_all(target.get(), replacement.get()));
-  if (result.view() != expected) Fail("ReplaceAll and RE2 differ on " + re2.pattern());
+Contender ReplaceWithClass(std::string name, const Replaced& replaced, int options,
+                           const String& target) {
+  const auto regex = std::make_shared<RegEx>(replaced.pattern, options);
+  const auto replacement = std::make_shared<String>(replaced.replacement);
+  return {std::move(name), 1, [=, &target] {
+            return std::int64_t{
+                String::Adopt(regex->replace_all(target.get(), replacement->get())).length()};
+          }};
 }
 
+void RequireSameResult(const Engines& engines, const Replaced& replaced, const String& target) {
+  std::string expected(target.view());
+  RE2::GlobalReplace(&expected, engines.re2, replaced.replacement);
+  const String replacement(replaced.replacement);
+  const String result = String::Adopt(engines.regex.replace_all(target.get(), replacement.get()));
+  if (result.view() != expected) Fail("ReplaceAll and RE2 differ on " + engines.re2.pattern());
+}
+
+// The class runs beside the binding in the binding's mode as well.
 Row MakeRow(const Replaced& replaced) {
   const String& target = Text("ascii", UsualSize());
-  const auto replacement = std::make_shared<String>(replaced.replacement);
-  const auto regex = std::make_shared<RegEx>(replaced.pattern);
-  const auto bare = std::make_shared<Bare>(replaced.pattern);
-  const auto binding = std::make_shared<pcrecpp::RE>(replaced.pattern);
-  const auto re2 = std::make_shared<RE2>(replaced.pattern);
-  RequireSameResult(*regex, *re2, target, *replacement);
-  return {
-      {"bare", 1, [=, &target] { return bare->Walk(target.view()) > 0 ? kNothingFound : 0; }},
-      {"zrk", 1,
-       [=, &target] {
-         const String result = String::Adopt(regex->replace_all(target.get(), replacement->get()));
-         return std::int64_t{result.length()};
-       }},
-      ReplaceInPlace("pcrecpp", target,
-                     [=](std::string* text) {
-                       binding->GlobalReplace({replacement->data(), replacement->length()}, text);
-                     }),
-      ReplaceInPlace("re2", target, [=](std::string* text) {
-        RE2::GlobalReplace(text, *re2, replacement->view());
-      })};
+  const auto engines = std::make_shared<Engines>(replaced.pattern);
+  const char* const rewrite = replaced.replacement;
+  RequireSameResult(*engines, replaced, target);
+  return {{"bare", 1,
+           [=, &target] { return engines->bare.Walk(target.view()) > 0 ? kNothingFound : 0; }},
+          ReplaceWithClass("zrk", replaced, kCompileOptions, target),
+          ReplaceWithClass("zrk_bytes", replaced, 0, target),
+          ReplaceInPlace("pcrecpp", target,
+                         [=](std::string* text) { engines->binding.GlobalReplace(rewrite, text); }),
+          ReplaceInPlace("re2", target, [=](std::string* text) {
+            RE2::GlobalReplace(text, engines->re2, rewrite);
+          })};
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ const Settings& TheSettings();
 
 // One of build/bench's texts as a host string, loaded on first use and kept: kind is "ascii" or
 // "mixed", megabytes 1, 10 or 100.
-const String& Text(const std::string& kind, int megabytes);
+const String& Text(std::string_view kind, int megabytes);
 
 // The size most rows work on, in megabytes.
 inline int UsualSize() { return TheSettings().quick ? 1 : 10; }

@@ -10,7 +10,7 @@
 
 local function over_bare(ns, who) return ns[who] / ns.bare end
 local function beyond_bare(ns, who) return ns[who] - ns.bare end
-local function over_binding(ns, who) return ns[who] / ns.pcrecpp end
+local function over_binding(ns) return ns.zrk_bytes / ns.pcrecpp end
 local function bytes_a_nanosecond(ns, who) return 1 / ns[who] end
 local function megabytes(field)
   return function(counters) return counters[field] / 1e6 end
@@ -50,7 +50,7 @@ for _, case in ipairs {
   { "pairs", "(\\w+)\\s*=>\\s*(\\w+)" }, { "capitals", "([A-Z])([a-z]+)" }, { "words", "(\\w+) (\\w+)" } } do
   local work = "ReplaceAll with groups, `" .. case[2] .. "`"
   add { work = work, row = "replace/" .. case[1], figure = over_bare, unit = "x bare", at_most = 1.15 }
-  add { work = work .. ", against the C++ binding", row = "replace/" .. case[1],
+  add { work = work .. ", without UTF-8 as the C++ binding", row = "replace/" .. case[1],
         figure = over_binding, unit = "x binding", at_most = 1, others = "no" }
 end
 add { work = "ReplaceAll with empty text", row = "replace/delete",
@@ -92,8 +92,9 @@ for _, case in ipairs {
   add { work = case[2] .. ": growth of the peak", row = "memory/" .. case[1],
         figure = megabytes "grown", unit = "MB", at_most = 1 }
 end
-add { work = "ReplaceAll on 100 MB: peak beyond the result, by the target", row = "memory/replace",
-      figure = function(of) return (of.grown - of.result) / of.subject end, unit = "x target", at_most = 1 }
+-- The finished text is there twice at the end: as the library wrote it and as the host's string.
+add { work = "ReplaceAll on 100 MB: scratch beside the finished text, by the target", row = "memory/replace",
+      figure = function(of) return (of.grown - 2 * of.result) / of.subject end, unit = "x target", at_most = 1 }
 
 for _, case in ipairs {
   { "walk", "walking" }, { "walk_characters", "walking with character offsets" },

@@ -1,12 +1,8 @@
 // What the class does with text without the engine: escaping, counting characters, and looking for
 // bytes that the engine must not be shown.
-#include <pcrecpp.h>
-#include <re2/re2.h>
-
 #include <algorithm>
-#include <memory>
 
-#include "bench/bare.h"
+#include "bench/engines.h"
 #include "bench/rounds.h"
 #include "bench/settings.h"
 
@@ -29,9 +25,7 @@ Row Escape() {
              return std::int64_t{result.length() == escaped ? kNothingFound : result.length()};
            }},
           {"pcrecpp", bytes,
-           [=, &text] {
-             return size_of(pcrecpp::RE::QuoteMeta({text.data(), text.length()}));
-           }},
+           [=, &text] { return size_of(pcrecpp::RE::QuoteMeta(ForBinding(text.view()))); }},
           {"re2", bytes, [=, &text] { return size_of(RE2::QuoteMeta(text.view())); }}};
 }
 

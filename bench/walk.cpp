@@ -1,10 +1,5 @@
 // Walks all matches of a text: Execute(text), then Execute(start) from the end of each match.
-#include <pcrecpp.h>
-#include <re2/re2.h>
-
-#include <memory>
-
-#include "bench/bare.h"
+#include "bench/engines.h"
 #include "bench/rounds.h"
 #include "bench/settings.h"
 
@@ -12,64 +7,53 @@ namespace bench {
 
 namespace {
 
+constexpr std::string_view kASCII = "ascii";
+
 struct Walked {
   const char* name;
   const char* pattern;
-  const char* kind;
+  std::string_view kind;
   bool caseless = false;
 };
 
 constexpr Walked kWalked[] = {
-    {"literal", "software", "ascii"},
-    {"caseless", "copyright", "ascii", true},
-    {"alternatives", "GNU|Perl|Unix|POSIX|Artistic", "ascii"},
-    {"address", "https?://[^\\s>]+", "ascii"},
-    {"capitals", "[A-Z][a-z]+ [A-Z][a-z]+", "ascii"},
-    {"groups", "(\\w+)\\s*=>\\s*(\\w+)", "ascii"},
-    {"words", "\\w+", "ascii"},
+    {"literal", "software", kASCII},
+    {"caseless", "copyright", kASCII, true},
+    {"alternatives", "GNU|Perl|Unix|POSIX|Artistic", kASCII},
+    {"address", "https?://[^\\s>]+", kASCII},
+    {"capitals", "[A-Z][a-z]+ [A-Z][a-z]+", kASCII},
+    {"groups", "(\\w+)\\s*=>\\s*(\\w+)", kASCII},
+    {"words", "\\w+", kASCII},
     {"letters", "\\p{Lu}\\p{L}+", "mixed"},
 };
 
-// The binding checks the whole text's UTF-8 at every call, so that UTF-8 walks would take for ever;
-// it runs on ASCII text, without that mode.
-Contender WalkWithBinding(const Walked& walked, const String& text) {
-  pcrecpp::RE_Options options;
-  options.set_caseless(walked.caseless);
-  const auto regex = std::make_shared<pcrecpp::RE>(walked.pattern, options);
-  return {"pcrecpp", 1, [regex, &text] {
-            pcrecpp::StringPiece rest(text.data(), text.length());
-            std::int64_t matches = 0;
-            while (regex->FindAndConsume(&rest)) ++matches;
-            return matches;
-          }};
+std::int64_t WalkWithBinding(const pcrecpp::RE& regex, std::string_view text) {
+  pcrecpp::StringPiece rest = ForBinding(text);
+  std::int64_t matches = 0;
+  while (regex.FindAndConsume(&rest)) ++matches;
+  return matches;
 }
 
-Contender WalkWithRE2(const Walked& walked, const String& text) {
-  RE2::Options options;
-  options.set_case_sensitive(!walked.caseless);
-  const auto regex = std::make_shared<RE2>(walked.pattern, options);
-  return {"re2", 1, [regex, &text] {
-            const re2::StringPiece whole(text.data(), static_cast<std::size_t>(text.length()));
-            re2::StringPiece match;
-            std::int64_t matches = 0;
-            std::size_t start = 0;
-            while (regex->Match(whole, start, whole.size(), RE2::UNANCHORED, &match, 1)) {
-              start = static_cast<std::size_t>(match.end() - whole.begin());
-              ++matches;
-            }
-            return matches;
-          }};
+std::int64_t WalkWithRE2(const RE2& regex, std::string_view text) {
+  re2::StringPiece match;
+  std::int64_t matches = 0;
+  for (std::size_t start = 0; regex.Match(text, start, text.size(), RE2::UNANCHORED, &match, 1);
+       ++matches) {
+    start = static_cast<std::size_t>(match.data() - text.data()) + match.size();
+  }
+  return matches;
 }
 
 Row MakeRow(const Walked& walked) {
-  const int options = kCompileOptions | (walked.caseless ? PCRE_CASELESS : 0);
+  const auto engines = std::make_shared<Engines>(walked.pattern, walked.caseless);
   const String& text = Text(walked.kind, UsualSize());
-  const auto regex = std::make_shared<RegEx>(walked.pattern, options);
-  const auto bare = std::make_shared<Bare>(walked.pattern, options);
-  Row row{{"bare", 1, [bare, &text] { return bare->Walk(text.view()); }},
-          {"zrk", 1, [regex, &text] { return Walk(*regex, text.get()); }}};
-  if (std::string_view(walked.kind) == "ascii") row.push_back(WalkWithBinding(walked, text));
-  row.push_back(WalkWithRE2(walked, text));
+  Row row{{"bare", 1, [=, &text] { return engines->bare.Walk(text.view()); }},
+          {"zrk", 1, [=, &text] { return Walk(engines->regex, text.get()); }},
+          {"re2", 1, [=, &text] { return WalkWithRE2(engines->re2, text.view()); }}};
+  if (walked.kind == kASCII) {
+    row.push_back(
+        {"pcrecpp", 1, [=, &text] { return WalkWithBinding(engines->binding, text.view()); }});
+  }
   return row;
 }
 

@@ -1,11 +1,17 @@
-// The engine called directly from a C loop, which is the limit that the class is measured against:
-// the same bytes, the same options, a vector of the same size.
-#ifndef ZRK_BENCH_BARE_H
-#define ZRK_BENCH_BARE_H
+// One pattern for everyone: the class, the engine called directly, the engine's C++ binding, RE2.
+//
+// The engine called from a C loop is the limit that the class is measured against: the same bytes,
+// the same options, a vector of the same size. The binding checks the whole text's UTF-8 at every
+// call, so that walks over long texts would not end; it runs without UTF-8 mode, on ASCII.
+#ifndef ZRK_BENCH_ENGINES_H
+#define ZRK_BENCH_ENGINES_H
 
 #include <pcre.h>
+#include <pcrecpp.h>
+#include <re2/re2.h>
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "bench/bench_host.h"
@@ -50,6 +56,24 @@ inline std::int64_t Walk(const RegEx& regex, REALstringStruct* text) {
   return matches;
 }
 
+struct Engines {
+  explicit Engines(const char* pattern, bool caseless = false)
+      : regex(pattern, kCompileOptions | (caseless ? PCRE_CASELESS : 0)),
+        bare(pattern, kCompileOptions | (caseless ? PCRE_CASELESS : 0)),
+        binding(pattern, pcrecpp::RE_Options().set_caseless(caseless)),
+        re2((caseless ? "(?i)" : "") + std::string(pattern)) {}
+
+  RegEx regex;
+  Bare bare;
+  pcrecpp::RE binding;
+  RE2 re2;
+};
+using SharedEngines = std::shared_ptr<Engines>;
+
+inline pcrecpp::StringPiece ForBinding(std::string_view text) {
+  return {text.data(), static_cast<int>(text.size())};
+}
+
 }  // namespace bench
 
-#endif  // ZRK_BENCH_BARE_H
+#endif  // ZRK_BENCH_ENGINES_H

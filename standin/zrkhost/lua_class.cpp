@@ -108,6 +108,12 @@ void PushMember(lua_State* L, const Object& object, std::string_view name) {
   }
 }
 
+void SetMember(const Object& object, std::string_view name, const Value& value) {
+  const ClassInfo& info = object.class_info();
+  if (!info.FindProperty(name)) throw CallError(NoMemberText(info, name));
+  object.Set(name, value);
+}
+
 void InstallClasses(lua_State* L, const Host& host) {
   for (const auto& info : host.classes()) {
     lua_newtable(L);

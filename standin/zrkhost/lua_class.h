@@ -19,6 +19,9 @@ namespace standin::zrkhost {
 // that names what there is where the class has no such member.
 void PushMember(lua_State* L, const Object& object, std::string_view name);
 
+// Sets a property; throws CallError likewise.
+void SetMember(const Object& object, std::string_view name, const Value& value);
+
 // Makes a global of each class that the host knows.
 void InstallClasses(lua_State* L, const Host& host);
 

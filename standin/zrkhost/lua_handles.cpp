@@ -39,7 +39,7 @@ int Index(lua_State* L) {
 int NewIndex(lua_State* L) {
   const Value& value = CheckHandle(L, 1);
   const std::string name = luaL_checkstring(L, 2);
-  Object(value).Set(name, ToValue(L, 3));
+  SetMember(Object(value), name, ToValue(L, 3));
   return 0;
 }
 

@@ -22,11 +22,13 @@ std::size_t Distance(std::string_view one, std::string_view other) {
   return row.back();
 }
 
+// One slip in five letters, or one name in a not much longer one.
 bool Alike(std::string_view one, std::string_view other) {
   const std::string shorter = Folded(one.size() < other.size() ? one : other);
   const std::string longer = Folded(one.size() < other.size() ? other : one);
-  const bool contained = shorter.size() >= 4 && longer.find(shorter) != std::string::npos;
-  return contained || Distance(shorter, longer) <= 1 + longer.size() / 5;
+  const bool contained = longer.find(shorter) != std::string::npos;
+  return (contained && shorter.size() * 2 >= longer.size()) ||
+         Distance(shorter, longer) <= 1 + longer.size() / 5;
 }
 
 using Texts = std::vector<std::string>;

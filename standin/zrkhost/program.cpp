@@ -48,13 +48,13 @@ Program::Program(Options options)
 void Program::OpenState() {
   lua_.reset(luaL_newstate());
   if (!lua_) throw std::bad_alloc();
-  lua_State* L = lua_.get();
-  luaL_openlibs(L);
-  InstallErrors(L);
-  InstallHandles(L);
-  InstallHost(L, host_);
-  InstallClasses(L, host_);
-  ReplaceExit(L, this);
+  lua_State* state = lua_.get();
+  luaL_openlibs(state);
+  InstallErrors(state);
+  InstallHandles(state);
+  InstallHost(state, host_);
+  InstallClasses(state, host_);
+  ReplaceExit(state, this);
 }
 
 bool Program::RunCode() {
@@ -84,7 +84,7 @@ int Program::Run() {
 
 int Program::Finish(int status) {
   // Not reset(): while the state closes, nobody may find it and close it again.
-  if (lua_State* L = lua_.release()) lua_close(L);
+  if (lua_State* state = lua_.release()) lua_close(state);
   std::fflush(stdout);
   const auto problems = host_.Problems();
   if (problems.empty()) return status;

@@ -131,7 +131,7 @@ double Version() { return host_version; }
 #define ZRK_SERVICE_TYPE(wrapper, binding, result, arguments, name, second_name, neutral) \
   struct wrapper##Service {                                                               \
     using Signature = result arguments;                                                   \
-    static constexpr const char* kName = name;                                            \
+    [[maybe_unused]] static constexpr const char* kName = name;                           \
   };
 ZRK_HOST_SERVICES(ZRK_SERVICE_TYPE)
 #undef ZRK_SERVICE_TYPE

@@ -16,21 +16,24 @@ std::string Show(const Value& value);
 // The result, Lasterror and what was raised: `nil err=-99 NilObjectException: text is nil`.
 std::string Show(const Object& object, const Outcome& outcome);
 
+// A multi-byte text with bytes that the engine must not see unchecked.
+inline constexpr const char* kSubject =
+    "a\xC3\xA9\x62"
+    "c\xF5 bx bc";
+
 struct CallRow {
   const char* label;
   const char* method;
   std::function<Values(standin::Host&)> arguments;
-  bool raises = false;
 };
 
-// At least one call of every method, the constructor's apart. Texts are multi-byte and hold bytes
-// that the engine must not see unchecked.
+// At least one call of every method, the constructor's apart.
 const std::vector<CallRow>& CallRows();
 
 // Gives the object a studied pattern of two groups, the second one named "n", and a match of it
 // over a kept text.
-void Prepare(const Object& object);
-Object Prepared(Session& session);
+void Prepare(const Object& object, const Value& subject = kSubject);
+Object Prepared(Session& session, const Value& subject = kSubject);
 
 Outcome Run(Session& session, const Object& object, const CallRow& row);
 

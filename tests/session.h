@@ -39,6 +39,7 @@ class Session {
 
   standin::Host host;
   standin::Library library;
+  bool balances = true;  // false where a fault of the host leaves references behind
 };
 
 // The kinds of host that behave differently: every version at which something changes, each with

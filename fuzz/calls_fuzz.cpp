@@ -10,6 +10,7 @@
 
 #include "fuzz/invariants.h"
 #include "fuzz/session.h"
+#include "fuzz/values.h"
 
 namespace {
 
@@ -17,13 +18,6 @@ using namespace fuzz;
 
 constexpr int kSteps = 40;
 constexpr int kThreadedCalls = 2;  // each costs as much as many other steps
-
-// A pattern in a block begins at an offset.
-Value BoundedBlock(Session& session, const Value& block, std::int32_t offset) {
-  std::string bytes = block.Bytes();
-  if (offset < 0 || static_cast<std::size_t>(offset) >= bytes.size()) return block;
-  return session.host.MemoryBlock(bytes.insert(static_cast<std::size_t>(offset), kBounded));
-}
 
 class Calls {
  public:
@@ -53,23 +47,21 @@ class Calls {
   }
 
   void UseProperty(const Regex& regex, const standin::Property& property) {
-    if (!property.setter || input_.Below(4) == 0) {
-      regex.Get(property.name);
-    } else {
-      regex.Set(property.name, AnyOf(property.type.kind));
-    }
+    if (property.setter && input_.Truth()) regex.Set(property.name, AnyOf(property.type.kind));
+    regex.Get(property.name);
+  }
+
+  Values Arguments(const standin::MethodDeclaration& method) {
+    if (method.name == "Compile") return {AnyPattern(input_, session_.host)};
+    if (method.name == "CompileMemory") return AnyPatternBlock(input_, session_.host);
+    Values arguments;
+    for (const auto& parameter : method.parameters) arguments.push_back(AnyOf(parameter.type.kind));
+    return arguments;
   }
 
   void CallMethod(Regex& regex, const standin::MethodDeclaration& method) {
     if (method.name == "Constructor") return;  // runs once for each object
-    Values arguments;
-    for (const standin::Parameter& parameter : method.parameters) {
-      const bool pattern = method.name == "Compile";
-      arguments.push_back(pattern ? AnyPattern(input_, session_.host) : AnyOf(parameter.type.kind));
-    }
-    if (method.name == "CompileMemory") {
-      arguments[0] = BoundedBlock(session_, arguments[0], arguments[1].Integer());
-    }
+    const Values arguments = Arguments(method);
     if (method.name.ends_with("MT")) return CallThreaded(regex, method.name, arguments);
     CheckOutcome(session_, regex, arguments, regex.Call(method.name, arguments));
   }

@@ -8,6 +8,7 @@
 //  4. The accounts balance, and no sanitizer has anything to say.
 #include "fuzz/plain_regex.h"
 #include "fuzz/session.h"
+#include "fuzz/values.h"
 
 namespace {
 
@@ -22,14 +23,6 @@ constexpr std::uint32_t kExecuteOptions[] = {
     PCRE_NO_UTF8_CHECK, PCRE_ANCHORED,         PCRE_NOTBOL,
     PCRE_NOTEOL,        PCRE_NOTEMPTY,         PCRE_PARTIAL,
     PCRE_PARTIAL_HARD,  PCRE_NOTEMPTY_ATSTART, PCRE_NO_START_OPTIMIZE};
-constexpr std::size_t kRepeats[] = {1, 1, 1, 2, 5, 20};
-
-std::string Repeated(const std::string& text, std::size_t count) {
-  std::string repeated;
-  for (; count > 0; --count) repeated += text;
-  return repeated;
-}
-
 // Switches up to three options and answers them all.
 template <std::size_t kRows>
 std::uint32_t Switch(Input& input, const Regex& regex, const char* property,
@@ -70,7 +63,7 @@ void Run(Input& input) {
     plain.Study();
   }
   const std::string new_text = input.Bytes(40);
-  const std::string subject = Repeated(input.Bytes(60), input.Pick(kRepeats));
+  const std::string subject = AnyText(input);
 
   const PlainReplaceAll all = ReplaceAll(plain, subject, new_text);
   CheckResult(regex, regex.Call("ReplaceAll", {subject, new_text}), all.text);

@@ -3,14 +3,11 @@
 #include <sched.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <ctime>
-#include <limits>
 #include <vector>
 
 #include "fuzz/statics.h"
-#include "standin/encoding.h"
 #include "standin/library.h"
 
 // The library waits for its worker in naps of a millisecond; here a nap is one turn of the others.
@@ -31,34 +28,6 @@ constexpr const char* kExceptions[] = {"OutOfBoundsException", "NilObjectExcepti
 constexpr std::string_view kNeeded[] = {"PluginRegisterClass", "REALLockString",
                                         "REALUnlockString",    "REALLockObject",
                                         "REALUnlockObject",    "PluginDisposeStringData"};
-
-constexpr std::uint32_t kEncodings[] = {zrk::kEncodingUTF8,
-                                        zrk::kEncodingUTF8,
-                                        zrk::kEncodingUTF8,
-                                        zrk::kEncodingASCII,
-                                        zrk::kEncodingUTF16,
-                                        zrk::kEncodingUTF32,
-                                        zrk::kEncodingISOLatin1,
-                                        zrk::kEncodingWindowsLatin1,
-                                        zrk::kEncodingMacRoman,
-                                        zrk::kEncodingUnknown,
-                                        0x0B0B0B0B};
-
-constexpr std::int32_t kIntegers[] = {0,
-                                      1,
-                                      2,
-                                      3,
-                                      -1,
-                                      16,
-                                      17,
-                                      50,
-                                      51,
-                                      999,
-                                      std::numeric_limits<std::int32_t>::max(),
-                                      std::numeric_limits<std::int32_t>::min()};
-
-constexpr std::size_t kMostBytes = 64;
-constexpr std::size_t kRepeats[] = {1, 1, 1, 1, 1, 2, 5, 12};
 
 struct Plugin {
   standin::Library library{ZRK_LIBRARY_PATH};
@@ -94,32 +63,6 @@ void FreeOldTables(const standin::ClassInfo& info) {
   std::free(info.definition().Properties);
   std::free(info.definition().Methods);
   std::free(info.definition().Constants);
-}
-
-std::string AnyText(Input& input) {
-  const std::string text = input.Bytes(kMostBytes);
-  std::string repeated;
-  for (std::size_t i = input.Pick(kRepeats); i > 0; --i) repeated += text;
-  return repeated;
-}
-
-Value AnyArray(Input& input, standin::Host& host, Kind kind) {
-  constexpr Kind kElements[] = {Kind::kString, Kind::kInteger, Kind::kBoolean, Kind::kDouble};
-  Values elements;
-  for (unsigned count = input.Below(5); count > 0; --count) {
-    const bool texts = kind == Kind::kStringArray;
-    elements.push_back(AnyValue(input, host, texts ? Kind::kString : input.Pick(kElements)));
-  }
-  return kind == Kind::kStringArray ? host.StringArray(elements) : host.VariantArray(elements);
-}
-
-Value AnyMemoryBlock(Input& input, standin::Host& host) {
-  const unsigned choice = input.Below(16);
-  if (choice == 0) return Value::Nil(Kind::kMemoryBlock);
-  if (choice == 1)
-    return host.MemoryBlockWithoutData(AnyValue(input, host, Kind::kInteger).Integer());
-  if (choice == 2) return host.MemoryBlockClaiming(AnyText(input), -1);
-  return host.MemoryBlock(AnyText(input));
 }
 
 }  // namespace
@@ -192,37 +135,6 @@ std::int32_t Regex::Ask(std::string_view method, const Values& arguments) const 
 void Regex::Set(std::string_view property, const Value& value) const {
   if (PrintsLua()) PrintLua(name_ + "." + std::string(property) + " = " + LuaOf(value));
   object_.Set(property, value);
-}
-
-Value AnyString(Input& input, standin::Host& host) {
-  const unsigned encoding = input.Below(std::size(kEncodings) + 1);
-  if (encoding == std::size(kEncodings)) return Value::Nil(Kind::kString);
-  return host.String(AnyText(input), kEncodings[encoding]);
-}
-
-Value AnyPattern(Input& input, standin::Host& host) {
-  const std::uint32_t encoding = input.Pick(kEncodings);
-  const auto begin = standin::ConvertText(kBounded, zrk::kEncodingUTF8, encoding);
-  return host.String(begin.value_or(std::string(kBounded)) + input.Bytes(kMostBytes), encoding);
-}
-
-Value AnyValue(Input& input, standin::Host& host, Kind kind) {
-  switch (kind) {
-    case Kind::kInteger: {
-      const unsigned choice = input.Byte();
-      return choice < 0x80 ? input.Pick(kIntegers) : static_cast<std::int32_t>(choice - 0x80);
-    }
-    case Kind::kBoolean:
-      return input.Truth();
-    case Kind::kDouble:
-      return input.Byte() / 8.0;
-    case Kind::kString:
-      return AnyString(input, host);
-    case Kind::kMemoryBlock:
-      return AnyMemoryBlock(input, host);
-    default:
-      return input.Below(8) == 0 ? Value::Nil(kind) : AnyArray(input, host, kind);
-  }
 }
 
 }  // namespace fuzz

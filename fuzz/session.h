@@ -1,5 +1,5 @@
-// What every target stands on: hosts of all kinds with the built library in them, objects whose
-// calls print themselves as Lua, and values of every kind from the input.
+// What every target stands on: hosts of all kinds with the built library in them, and objects whose
+// calls print themselves as Lua.
 #ifndef ZRK_FUZZ_SESSION_H
 #define ZRK_FUZZ_SESSION_H
 
@@ -69,15 +69,6 @@ class Regex {
   std::string name_;
   standin::Object object_;
 };
-
-// Patterns begin with this: the engine gives up early, whatever limits the script sets.
-inline constexpr std::string_view kBounded = "(*LIMIT_MATCH=2000)";
-
-// Up to some hundreds of bytes in any encoding, or nil.
-Value AnyString(Input& input, standin::Host& host);
-Value AnyPattern(Input& input, standin::Host& host);
-// A value of that kind; references may be nil.
-Value AnyValue(Input& input, standin::Host& host, Kind kind);
 
 }  // namespace fuzz
 

@@ -9,6 +9,7 @@
 #include "fuzz/invariants.h"
 #include "fuzz/reference.h"
 #include "fuzz/session.h"
+#include "fuzz/values.h"
 
 namespace {
 

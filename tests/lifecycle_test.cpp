@@ -139,16 +139,4 @@ TEST(Lifecycle, ObjectsGiveUpTheirSubjectsWhenTheyEnd) {
   });
 }
 
-TEST(Lifecycle, ObjectsDoNotDisturbEachOther) {
-  OnEachHost([](Session& session) {
-    const Object one = session.Compiled("(a)");
-    const Object other = session.Compiled("b");
-    EXPECT_EQ(one.Call("Execute", {"xa"}).Integer(), 2);
-    other.Set("CompileOptionCaseLess", true);
-    EXPECT_EQ(other.Call("Execute", {"c"}).Integer(), -1);
-    EXPECT_EQ(tests::Describe(one, 2), "2 err=0 1-2 \"a\" 1:1-2 \"a\"");
-    EXPECT_FALSE(one.Get("CompileOptionCaseLess").Boolean());
-  });
-}
-
 }  // namespace

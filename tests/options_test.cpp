@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "tests/session.h"
 
@@ -22,7 +23,6 @@ struct Option {
 
   bool IsForCompile() const { return *name == 'C'; }
   const char* word() const { return IsForCompile() ? "CompileOptions" : "ExecuteOptions"; }
-  std::uint32_t fallback() const { return IsForCompile() ? kCompileDefault : kExecuteDefault; }
 };
 
 // By name and value as scripts know them, not by the engine's header.
@@ -69,45 +69,32 @@ constexpr Option kOptions[] = {
 };
 static_assert(std::size(kOptions) == 39);
 
-std::uint32_t Word(const Object& regex, const Option& option) {
-  return static_cast<std::uint32_t>(regex.Get(option.word()).Integer());
+std::uint32_t Word(const Object& regex, const char* word) {
+  return static_cast<std::uint32_t>(regex.Get(word).Integer());
 }
 
-TEST(Options, SetAndClearTheirBitsOnly) {
-  OnEachHost([](Session& session) {
+// The getter answers for any of an option's bits, the setter sets or clears all of them: the two
+// differ for newline options of two bits.
+TEST(Options, ReadAndWriteTheirBitsOnly) {
+  std::vector<std::uint32_t> words = {0, kCompileDefault, kExecuteDefault, 0xFFFFFFFF};
+  for (int bit = 0; bit < 32; ++bit) words.push_back(std::uint32_t{1} << bit);
+  OnEachHost([&](Session& session) {
+    const Object regex = session.New();
     for (const Option& option : kOptions) {
-      SCOPED_TRACE(option.name);
-      const Object regex = session.New();
-      EXPECT_EQ(regex.Get(option.name).Boolean(), (option.fallback() & option.value) != 0);
-      regex.Set(option.name, true);
-      EXPECT_EQ(Word(regex, option), option.fallback() | option.value);
-      EXPECT_TRUE(regex.Get(option.name).Boolean());
-      regex.Set(option.name, false);
-      EXPECT_EQ(Word(regex, option), option.fallback() & ~option.value);
-      EXPECT_FALSE(regex.Get(option.name).Boolean());
-
-      regex.Set(option.word(), -1);
-      regex.Set(option.name, false);
-      EXPECT_EQ(Word(regex, option), ~option.value);
-      // The other word stays as it was.
-      EXPECT_EQ(regex.Get(option.IsForCompile() ? "ExecuteOptions" : "CompileOptions").Integer(),
-                static_cast<int>(option.IsForCompile() ? kExecuteDefault : kCompileDefault));
+      const char* const other = option.IsForCompile() ? "ExecuteOptions" : "CompileOptions";
+      regex.Set(other, 0x55555555);
+      for (const std::uint32_t word : words) {
+        SCOPED_TRACE(testing::Message() << option.name << " on " << word);
+        regex.Set(option.word(), static_cast<std::int32_t>(word));
+        EXPECT_EQ(regex.Get(option.name).Boolean(), (word & option.value) != 0);
+        regex.Set(option.name, true);
+        EXPECT_EQ(Word(regex, option.word()), word | option.value);
+        regex.Set(option.name, false);
+        EXPECT_EQ(Word(regex, option.word()), word & ~option.value);
+      }
+      EXPECT_EQ(Word(regex, other), 0x55555555U);
     }
   });
-}
-
-// The getter answers for any of an option's bits, which shows in the options of two bits.
-TEST(Options, GettersAnswerForAnyBit) {
-  Session session;
-  const Object regex = session.New();
-  for (const Option& option : kOptions) {
-    for (int bit = 0; bit < 32; ++bit) {
-      const std::uint32_t word = std::uint32_t{1} << bit;
-      regex.Set(option.word(), static_cast<std::int32_t>(word));
-      EXPECT_EQ(regex.Get(option.name).Boolean(), (word & option.value) != 0)
-          << option.name << ", bit " << bit;
-    }
-  }
 }
 
 // Each option alone, through a compile and a match, must do what it does in the engine itself.
@@ -155,31 +142,17 @@ TEST(Info, TellsAboutTheCompiledPattern) {
   OnEachHost([](Session& session) {
     const Object regex = session.New();
     for (const char* name : {"InfoStudySize", "InfoSize", "InfoCaptureCount", "InfoNameCount"}) {
+      regex.Call("ConfigLinkSize");  // leaves 0 in Lasterror
       EXPECT_EQ(regex.Get(name).Integer(), 0) << name;
       EXPECT_EQ(regex.Get("Lasterror").Integer(), -99) << name;
-      regex.Call("ConfigLinkSize");
-      EXPECT_EQ(regex.Get("Lasterror").Integer(), 0);
     }
     ASSERT_TRUE(regex.Call("Compile", {"(a)(?<x>b)(?<y>c)"}).Boolean());
-    regex.Call("Study");
-    regex.Call("StringNumber", {"unknown"});
     EXPECT_EQ(regex.Get("InfoCaptureCount").Integer(), 3);
     EXPECT_EQ(regex.Get("Lasterror").Integer(), 0);
     EXPECT_EQ(regex.Get("InfoNameCount").Integer(), 2);
-
-    const char* message = nullptr;
-    int offset = 0;
-    pcre* const code =
-        pcre_compile("(a)(?<x>b)(?<y>c)", kCompileDefault, &message, &offset, nullptr);
-    pcre_extra* const study = pcre_study(code, 0, &message);
-    std::size_t size = 0;
-    std::size_t study_size = 0;
-    pcre_fullinfo(code, study, PCRE_INFO_SIZE, &size);
-    pcre_fullinfo(code, study, PCRE_INFO_STUDYSIZE, &study_size);
-    pcre_free_study(study);
-    pcre_free(code);
-    EXPECT_EQ(regex.Get("InfoSize").Integer(), static_cast<int>(size));
-    EXPECT_EQ(regex.Get("InfoStudySize").Integer(), static_cast<int>(study_size));
+    const int size = regex.Get("InfoSize").Integer();
+    ASSERT_TRUE(regex.Call("Compile", {"(a)(?<x>b)(?<y>cc)"}).Boolean());
+    EXPECT_GT(regex.Get("InfoSize").Integer(), size);
   });
 }
 

@@ -100,17 +100,6 @@ TEST(TextIn, StringDataNeedsNoZeroByte) {
   }
 }
 
-// Group names come as host strings as well.
-TEST(TextIn, GroupNamesMayHaveAnyEncoding) {
-  OnEachHost([](Session& session) {
-    const Object regex = session.Compiled("(?<word>\\w+?)-");
-    regex.Call("Execute", {"ab-"});
-    const Value name = session.host.String(Bytes<char16_t>(u"word"), zrk::kEncodingUTF16);
-    EXPECT_EQ(regex.Call("Substring", {name}).UTF8(), "ab");
-    EXPECT_EQ(regex.Call("StringNumber", {name}).Integer(), 1);
-  });
-}
-
 struct Conversions {
   std::uint64_t by_request;  // "PluginGetStringData"
   std::uint64_t by_string;   // "REALConvertString"

@@ -121,6 +121,14 @@ std::string_view HostMemoryBlock::bytes() const {
   return {reinterpret_cast<const char*>(data_.get()), data_ ? real_size_ : 0};
 }
 
+void HostMemoryBlock::Resize(std::size_t size) {
+  std::string resized(bytes());
+  resized.resize(size);
+  data_ = CopyBytes(resized, 0, false, 0);
+  real_size_ = size;
+  record = {data_.get(), static_cast<std::int32_t>(size)};
+}
+
 void HostMemoryBlock::End() {
   data_.reset();
   record = {nullptr, 0};

@@ -74,6 +74,9 @@ class HostMemoryBlock : public Thing {
   ~HostMemoryBlock() override;
   void* handle() override { return &record; }
   std::string_view bytes() const;
+  // Moves to new memory of that many bytes; what there was is kept as far as it fits, new bytes
+  // are zero.
+  void Resize(std::size_t size);
 
   alignas(8) zrk::REALmemoryBlockStruct record;
 

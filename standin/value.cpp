@@ -116,8 +116,9 @@ Values Value::Elements() const {
   return elements;
 }
 
-void Value::Resize(std::size_t count) {
-  if (auto* array = As<HostArray>(*this)) array->Resize(count);
+void Value::Resize(std::size_t size) {
+  if (auto* array = As<HostArray>(*this)) array->Resize(size);
+  if (auto* block = As<HostMemoryBlock>(*this)) block->Resize(size);
 }
 
 std::string Value::Describe() const {

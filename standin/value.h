@@ -89,11 +89,13 @@ class Value {
   std::uint32_t Encoding() const;
 
   // Arrays: number of elements, one element (nil for a null one, or outside the array), all of
-  // them, and a new size. Variant elements come back as the values they hold.
+  // them. Variant elements come back as the values they hold.
   std::size_t Count() const;
   Value At(std::size_t index) const;
   std::vector<Value> Elements() const;
-  void Resize(std::size_t count);
+
+  // A new size for an array, in elements, or for a memory block, in bytes, which then moves.
+  void Resize(std::size_t size);
 
   // For reports and traces: `string #3 "abc"`, `5`, `True`, `nil`.
   std::string Describe() const;

@@ -152,4 +152,39 @@ TEST(MemoryBlock, ALengthPastTheEndIsRefused) {
   });
 }
 
+// Every method that goes back to the kept bytes, after the block has moved.
+TEST(MemoryBlock, ABlockThatWasResizedIsLetGo) {
+  struct Row {
+    const char* method;
+    Value argument;
+    std::string result;
+    int lasterror;
+  };
+  OnEachHost([](Session& session) {
+    const Row rows[] = {
+        {"Execute", 0, "-2", PCRE_ERROR_NULL},
+        {"ExecuteMT", 0, "0", PCRE_ERROR_NULL},
+        {"Substring", 0, "", PCRE_ERROR_NOSUBSTRING},
+        {"Substring", "g", "", PCRE_ERROR_NOSUBSTRING},
+        {"OffsetCharacters", 1, "0", 0},
+        {"Replace", "x", "", -99},
+        {"ReplaceSelection", "x", "", -99},
+    };
+    for (const Row& row : rows) {
+      for (const std::size_t size : {0U, 2U, 100U}) {
+        SCOPED_TRACE(testing::Message() << row.method << ' ' << size);
+        const Object regex = session.Compiled("(?<g>b+?)c");
+        Value block = session.host.MemoryBlock("aabbbcc");
+        ASSERT_EQ(regex.Call("ExecuteMemory", {block}).Integer(), 2);
+        block.Resize(size);
+        const Value result = regex.Call(row.method, {row.argument});
+        EXPECT_EQ(result.kind() == Kind::kString ? result.UTF8() : std::to_string(result.Integer()),
+                  row.result);
+        EXPECT_EQ(regex.Get("Lasterror").Integer(), row.lasterror);
+        EXPECT_TRUE(regex.Get("TextMemory").IsNil());
+      }
+    }
+  });
+}
+
 }  // namespace

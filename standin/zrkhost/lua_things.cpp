@@ -82,11 +82,11 @@ int BlockWrite(lua_State* L) {
   return 0;
 }
 
-int ArrayResize(lua_State* L) {
-  Value array = CheckKind(L, {Kind::kStringArray, Kind::kVariantArray});
-  const lua_Integer count = luaL_checkinteger(L, 2);
-  luaL_argcheck(L, count >= 0 && count <= 0x7FFFFFFF, 2, "not a number of elements");
-  array.Resize(static_cast<std::size_t>(count));
+int Resize(lua_State* L) {
+  Value value = CheckKind(L, {Kind::kStringArray, Kind::kVariantArray, Kind::kMemoryBlock});
+  const lua_Integer size = luaL_checkinteger(L, 2);
+  luaL_argcheck(L, size >= 0 && size <= 0x7FFFFFFF, 2, "not a size");
+  value.Resize(static_cast<std::size_t>(size));
   return 0;
 }
 
@@ -97,13 +97,11 @@ int ArrayToTable(lua_State* L) {
 
 constexpr luaL_Reg kTextMethods[] = {
     {"bytes", Entry<TextBytes>}, {"encoding", Entry<TextEncoding>}, {nullptr, nullptr}};
-constexpr luaL_Reg kBlockMethods[] = {{"size", Entry<BlockSize>},
-                                      {"byte", Entry<BlockByte>},
-                                      {"read", Entry<BlockRead>},
-                                      {"write", Entry<BlockWrite>},
-                                      {nullptr, nullptr}};
+constexpr luaL_Reg kBlockMethods[] = {{"size", Entry<BlockSize>}, {"byte", Entry<BlockByte>},
+                                      {"read", Entry<BlockRead>}, {"write", Entry<BlockWrite>},
+                                      {"resize", Entry<Resize>},  {nullptr, nullptr}};
 constexpr luaL_Reg kArrayMethods[] = {
-    {"resize", Entry<ArrayResize>}, {"totable", Entry<ArrayToTable>}, {nullptr, nullptr}};
+    {"resize", Entry<Resize>}, {"totable", Entry<ArrayToTable>}, {nullptr, nullptr}};
 
 constexpr std::pair<Kind, const luaL_Reg*> kMethods[] = {{Kind::kString, kTextMethods},
                                                          {Kind::kMemoryBlock, kBlockMethods},

@@ -125,6 +125,8 @@ TEST(ZRKHost, ExitsAsTheProgramWent) {
       {"os.exit(5)", 5, ""},
       {"os.exit(true)", 0, ""},
       {"os.exit(false)", 1, ""},
+      {"host.task(function() os.exit(6) end) re = RegExZRK() re:Compile('a') re:ExecuteMT('a')", 6,
+       ""},
       {"re = RegExZRK() re:Compile('a') re:Execute('a')", 0, ""},
       {"host.task(function() error('late') end) host.yield() print('on')", 1, "late\nstack"},
       {"host.task(function() while true do host.yield() end end) host.yield()", 0, ""},

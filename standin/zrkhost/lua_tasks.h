@@ -1,4 +1,5 @@
-// Cooperative tasks: coroutines that the host resumes once in each of its yields.
+// Cooperative tasks: coroutines that the host resumes once in each of its yields. Those that are
+// not done when the program ends go with it.
 #ifndef ZRK_STANDIN_ZRKHOST_LUA_TASKS_H
 #define ZRK_STANDIN_ZRKHOST_LUA_TASKS_H
 

@@ -43,6 +43,7 @@ Format ParseFormat(const std::string& text) {
 }
 
 void PrintTrace(std::string_view line) {
+  std::fflush(stdout);  // what the program printed so far comes first
   std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
 }
 

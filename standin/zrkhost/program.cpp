@@ -18,8 +18,8 @@
 namespace standin::zrkhost {
 namespace {
 
-// os.exit of programs: the accounts have to balance here as well.
-int Exit(lua_State* L) {
+// os.exit of programs.
+int ExitProgram(lua_State* L) {
   auto* program = static_cast<Program*>(lua_touserdata(L, lua_upvalueindex(1)));
   int status = kSuccess;
   if (lua_isboolean(L, 1)) {
@@ -27,13 +27,13 @@ int Exit(lua_State* L) {
   } else {
     status = static_cast<int>(luaL_optinteger(L, 1, kSuccess));
   }
-  std::exit(program->Finish(status));
+  program->Exit(status);
 }
 
 void ReplaceExit(lua_State* L, Program* program) {
   lua_getglobal(L, LUA_OSLIBNAME);
   lua_pushlightuserdata(L, program);
-  lua_pushcclosure(L, Entry<Exit>, 1);
+  lua_pushcclosure(L, Entry<ExitProgram>, 1);
   lua_setfield(L, -2, "exit");
   lua_pop(L, 1);
 }
@@ -91,6 +91,15 @@ int Program::Finish(int status) {
   std::fputs("zrkhost: the accounts do not balance:\n", stderr);
   for (const std::string& problem : problems) std::fprintf(stderr, "  %s\n", problem.c_str());
   return status == kSuccess ? kUnbalanced : status;
+}
+
+void Program::Exit(int status) {
+  Accounts& accounts = host_.accounts();
+  const char* const under_way = accounts.EnterMethod("");
+  accounts.ResumeMethod(under_way);
+  if (*under_way == '\0') std::exit(Finish(status));
+  std::fflush(stdout);
+  std::_Exit(status);
 }
 
 }  // namespace standin::zrkhost

@@ -24,6 +24,9 @@ class Program {
   // Ends the Lua state, which gives all references back, and looks at the accounts. Answers
   // `status`, or kUnbalanced where that would be 0 and something is off.
   int Finish(int status);
+  // Ends the process the same way; where a call of the library is still under way (a task asks), it
+  // holds what it holds by right, and nothing is looked at.
+  [[noreturn]] void Exit(int status);
 
  private:
   struct CloseState {

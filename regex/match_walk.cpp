@@ -18,6 +18,7 @@ bool MatchWalk::Next() {
     at_end_ = true;
     return false;
   }
+  ++matches_;
   Advance();
   return true;
 }

@@ -25,8 +25,9 @@ class MatchWalk {
   // The match that Next found, over the text's own bytes.
   MatchResult match() const { return {bytes_, call_.length, vector_, PairsOf(kVectorSize)}; }
 
-  // Engine calls made so far.
+  // Engine calls made and matches found so far.
   std::int32_t calls() const { return calls_; }
+  std::int32_t matches() const { return matches_; }
 
  private:
   // Room for all groups that a replacement text can name, and the engine's work area.
@@ -37,6 +38,7 @@ class MatchWalk {
   EngineCall call_;
   const unsigned char* bytes_;
   std::int32_t calls_ = 0;
+  std::int32_t matches_ = 0;
   bool at_end_ = false;
   std::int32_t vector_[kVectorSize] = {};
 };

@@ -141,8 +141,9 @@ REALstringStruct* ReplaceMatches(RegExClassData& data, rbText& target, Bytes new
   MatchRecord::Reader recorded(record);
   while (recorded.Next()) builder.Replace(recorded.Over(walk.match()), replacement);
   if (unrecorded) {
+    // A match that the first pass had no stack for may be found now, but there is no room for it.
     do builder.Replace(unrecorded->match(), replacement);
-    while (unrecorded->Next());
+    while (unrecorded->matches() < walk.matches() && unrecorded->Next());
   }
   builder.AddRest();
   data.Count = walk.calls();

@@ -8,7 +8,8 @@ namespace zrk {
 
 namespace {
 
-// Carries the script's limits for patterns without a study block. Host thread only.
+// Carries the script's limits for patterns without a study block; nothing else is ever set in it.
+// Host thread only.
 pcre_extra extra;
 
 const char* AsChars(const unsigned char* bytes) { return reinterpret_cast<const char*>(bytes); }
@@ -76,7 +77,6 @@ int RunEngine(const EngineCall& call) noexcept {
 
 EngineCall PrepareCall(RegExClassData& data) {
   EngineCall call = PrepareUnlimitedCall(data);
-  if (data.StudyExtra == nullptr) extra = {};
   pcre_extra& block = data.StudyExtra != nullptr ? *data.StudyExtra : extra;
   SetLimit(block, PCRE_EXTRA_MATCH_LIMIT, data.MatchLimit, block.match_limit);
   SetLimit(block, PCRE_EXTRA_MATCH_LIMIT_RECURSION, data.MatchLimitRecursion,

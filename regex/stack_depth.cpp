@@ -3,8 +3,10 @@
 #include <pcre.h>
 #include <pthread.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
@@ -60,11 +62,32 @@ StackBounds LookUpBounds() {
 // Looking up reads the process map for the main thread, so each thread does it once.
 thread_local constinit StackBounds bounds_of_thread;
 
+// The main thread's bounds, for a check that needs no look at the thread's own: an address between
+// them is on that stack, which lives as long as the process. Written once, the upper bound last.
+std::atomic<std::uintptr_t> main_low = 0;
+std::atomic<std::uintptr_t> main_high = 0;
+
+void PublishMainBounds(const StackBounds& bounds) {
+  if (getpid() != gettid()) return;
+  main_low.store(bounds.low, std::memory_order_relaxed);
+  main_high.store(bounds.high, std::memory_order_release);
+}
+
 unsigned long LevelsIn(std::size_t bytes) {
   if (bytes <= kReservedBytes) return 0;
   const auto usable =
       static_cast<std::uint32_t>(std::min<std::size_t>(bytes - kReservedBytes, UINT32_MAX));
   return usable / kFrameBytes;
+}
+
+unsigned long LevelsLeftOnThread(std::uintptr_t here) {
+  StackBounds& bounds = bounds_of_thread;
+  if (!bounds.looked_up) {
+    bounds = LookUpBounds();
+    PublishMainBounds(bounds);
+  }
+  const bool known = here > bounds.low && here < bounds.high;
+  return LevelsIn(known ? here - bounds.low : kAssumedBytes);
 }
 
 class DeepStack {
@@ -101,12 +124,13 @@ void* RunDeepWork(void* record) {
 }  // namespace
 
 unsigned long LevelsLeftOnStack() noexcept {
-  if (!bounds_of_thread.looked_up) bounds_of_thread = LookUpBounds();
-  const StackBounds& bounds = bounds_of_thread;
   const volatile char here_byte = 0;
   const auto here = reinterpret_cast<std::uintptr_t>(&here_byte);
-  const bool known = here > bounds.low && here < bounds.high;
-  return LevelsIn(known ? here - bounds.low : kAssumedBytes);
+  if (here < main_high.load(std::memory_order_acquire)) {
+    const std::uintptr_t low = main_low.load(std::memory_order_relaxed);
+    if (here > low) return LevelsIn(here - low);
+  }
+  return LevelsLeftOnThread(here);
 }
 
 bool RunOnDeepStack(void (*work)(void*, unsigned long), void* data) noexcept {

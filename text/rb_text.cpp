@@ -48,16 +48,27 @@ bool IsSingleByteFamily(std::uint32_t encoding) {
 }  // namespace
 
 rbText::rbText(REALstringStruct* string) noexcept {
-  std::fill_n(FormData.begin(), kSingleByteForms, EmptyBuffer);
-  FormData[kSingleByteForms] = AsBytes(EmptyBufferUInt16);
-  FormData[kSingleByteForms + 1] = AsBytes(EmptyBufferUInt32);
+  const std::int32_t not_computed = string != nullptr ? -1 : 0;
+  FillForms(EmptyBuffer, not_computed, not_computed);
   FormString[kUTF8] = nullptr;
   FormBuffer[kUTF8] = nullptr;
   FormDisposeFlag[kUTF8] = false;
   if (string == nullptr) return;
   SourceString = StringReference::Share(string);
-  FormLength.fill(-1);
   ReadSource();
+}
+
+void rbText::FillForms(const unsigned char* single_bytes, std::int32_t single_length,
+                       std::int32_t other_length) {
+  FormData = {single_bytes,
+              single_bytes,
+              single_bytes,
+              single_bytes,
+              single_bytes,
+              AsBytes(EmptyBufferUInt16),
+              AsBytes(EmptyBufferUInt32)};
+  FormLength = {single_length, single_length, single_length, single_length,
+                single_length, other_length,  other_length};
 }
 
 // A host that cannot tell the encoding answers the neutral 0, which is one of the family.
@@ -98,8 +109,7 @@ bool rbText::SourceIsASCII() const {
 void rbText::ShareASCII() {
   const REALstringStruct* source = SourceString.get();
   AsciiShared = true;
-  std::fill_n(FormData.begin(), kSingleByteForms, TextOf(source));
-  std::fill_n(FormLength.begin(), kSingleByteForms, source->Length);
+  FillForms(TextOf(source), source->Length, -1);
   Notes.SetASCII();
 }
 

@@ -48,9 +48,10 @@ class rbText {
   // Five single-byte forms, one of 16-bit and one of 32-bit units. Only UTF-8 is ever asked for;
   // the others are filled where ASCII bytes serve them all.
   static constexpr std::size_t kForms = 7;
-  static constexpr std::size_t kSingleByteForms = 5;
   static constexpr std::size_t kUTF8 = 3;
 
+  void FillForms(const unsigned char* single_bytes, std::int32_t single_length,
+                 std::int32_t other_length);
   void ReadSource();
   void ReadUnknownEncoding();
   bool SourceIsASCII() const;
@@ -64,7 +65,7 @@ class rbText {
   // Of what a conversion leaves behind only the UTF-8 form's entry is ever set, and read; a text
   // that is used in place touches none of it.
   REALstringStruct* FormString[kForms];  // one reference
-  std::array<std::int32_t, kForms> FormLength{};
+  std::array<std::int32_t, kForms> FormLength;
   std::array<const unsigned char*, kForms> FormData;
   unsigned char* FormBuffer[kForms];      // owned, freed with free
   REALstringData FormStringData[kForms];  // to be disposed where the flag is set

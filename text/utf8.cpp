@@ -86,7 +86,7 @@ std::optional<CharacterPosition> CountRegularBlock(const unsigned char* block) {
   }
   if (irregular != 0) return std::nullopt;
   // Every byte of the word holds a count of at most a block's words; the product adds them up.
-  const std::size_t stepped_over = (continuations * kEachByte) >> 56;
+  const auto stepped_over = static_cast<std::size_t>((continuations * kEachByte) >> 56);
   return CharacterPosition{kSequenceBlock + Overhang(block + kSequenceBlock),
                            kSequenceBlock - stepped_over};
 }
@@ -127,7 +127,11 @@ bool IsASCII(const unsigned char* bytes, std::size_t length) {
   }
   std::uint64_t bits = 0;
   for (; at + kWordBytes <= length; at += kWordBytes) bits |= LoadWord(bytes + at);
-  for (; at < length; ++at) bits |= bytes[at];
+  if (length >= kWordBytes) {
+    bits |= LoadWord(bytes + length - kWordBytes);
+  } else {
+    for (; at < length; ++at) bits |= bytes[at];
+  }
   return (bits & kHighBits) == 0;
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <pcre.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -64,14 +65,17 @@ TEST(Execute, ACodeTellsWhatIsWrong) {
       {"b", INT32_MIN, 0, PCRE_ERROR_BADOFFSET},     {"b", 0, PCRE_CASELESS, PCRE_ERROR_BADOPTION},
   };
   OnEachHost([&](Session& session) {
-    const Object regex = session.Compiled("a");
+    const Object regex = session.Compiled("(a)");
     EXPECT_EQ(regex.Call("Execute").Integer(), PCRE_ERROR_NULL) << "no subject was ever kept";
     EXPECT_EQ(regex.Get("Lasterror").Integer(), PCRE_ERROR_NULL);
     for (const Row& row : kRows) {
+      regex.Set("ExecuteOptions", 0);
+      EXPECT_EQ(regex.Call("Execute", {"xa"}).Integer(), 2);
       regex.Set("ExecuteOptions", row.options);
       EXPECT_EQ(regex.Call("Execute", {row.subject, row.start}).Integer(), row.expected);
       EXPECT_EQ(regex.Get("Lasterror").Integer(), row.expected);
       EXPECT_EQ(regex.Get("Count").Integer(), 0);
+      EXPECT_LE(regex.Call("Offset", {3}).Integer(), 0) << "nothing is left of the last match";
     }
   });
 }

@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/references.h"
 #include "host/state.h"
@@ -97,7 +100,7 @@ TEST(BuildString, ConvertsUTF32ByHand) {
     EXPECT_EQ(Build(Bytes<char32_t>({odd, std::size(odd)}), zrk::kEncodingUTF32),
               "8000100 a\xEF\xBF\xBD\xEF\xBF\xBD\xED\x9F\xBF\xEE\x80\x80\xF4\x8F\xBF\xBF");
     // Every code point may need two units, in the small buffer and in the allocated one.
-    for (const std::size_t count : {1, 99, 198, 199, 200, 201, 400, 5000}) {
+    for (const std::size_t count : {1U, 99U, 198U, 199U, 200U, 201U, 400U, 5000U}) {
       std::string expected = "8000100 ";
       for (std::size_t i = 0; i < count; ++i) expected += crowd;
       EXPECT_EQ(Build(Bytes<char32_t>(std::u32string(count, U'\U0001F600')), zrk::kEncodingUTF32),

@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <string>
 #include <typeinfo>
+#include <utility>
+#include <vector>
 
 #include "host/exceptions.h"
 #include "host/services.h"

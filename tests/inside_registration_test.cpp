@@ -1,9 +1,10 @@
 // The old layout of tables that the library's own class does not have.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <numeric>
 #include <vector>
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdint>
+#include <iterator>
 #include <random>
 #include <string_view>
 #include <vector>

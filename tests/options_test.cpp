@@ -3,6 +3,7 @@
 #include <pcre.h>
 
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <vector>
 

@@ -101,6 +101,7 @@ std::string DescribeTables(const HostWord* words, bool old_layout) {
 }
 
 TEST(Registration, TheWordsAreAsDescribedInBothLayouts) {
+  constexpr std::size_t kZeroWords[] = {2, 5, 11, 12, 13, 14, 15, 16, 17, 21, 22, 23, 24};
   std::ifstream file(ZRK_SOURCE_DIR "/tests/expected/class.txt");
   const std::string expected(std::istreambuf_iterator<char>(file), {});
   ASSERT_FALSE(expected.empty());
@@ -112,7 +113,7 @@ TEST(Registration, TheWordsAreAsDescribedInBothLayouts) {
     EXPECT_EQ(words[3] % 16, 0);
     EXPECT_EQ(words[4], 48) << "the instance offset is the host's to write";
     EXPECT_NE(words[6], 0) << "the destructor";
-    for (const std::size_t zero : {2, 5, 11, 12, 13, 14, 15, 16, 17, 21, 22, 23, 24}) {
+    for (const std::size_t zero : kZeroWords) {
       EXPECT_EQ(words[zero], 0) << "word " << zero + 1;
     }
     EXPECT_EQ(words[8], 55);

@@ -17,16 +17,17 @@ constexpr HostInteger kEntriesPerPair = 3;
 }  // namespace
 
 void RegExConstructor(RegExClassData& data, HostInteger VecSize) {
-  const HostInteger pairs = std::clamp(VecSize, kSmallestVector, kLargestVector) / kEntriesPerPair;
+  const HostInteger clamped = std::clamp(VecSize, kSmallestVector, kLargestVector);
+  const HostInteger entries = clamped - clamped % kEntriesPerPair;
   data.CompileOptions = PCRE_UNGREEDY | PCRE_UTF8 | PCRE_NO_UTF8_CHECK;
   data.ExecuteOptions = PCRE_NO_UTF8_CHECK;
   data.Lasterror = 0;
-  const auto entries = static_cast<std::size_t>(pairs * kEntriesPerPair);
-  data.Vector = static_cast<std::int32_t*>(std::calloc(entries, sizeof *data.Vector));
+  data.Vector = static_cast<std::int32_t*>(
+      std::calloc(static_cast<std::size_t>(entries), sizeof *data.Vector));
   if (data.Vector == nullptr) {
     return RaiseException("OutOfMemoryException", "Failed to allocate vector array.");
   }
-  data.VectorSize = pairs * kEntriesPerPair;
+  data.VectorSize = entries;
 }
 
 void RegExDestructor(RegExClassData& data) {

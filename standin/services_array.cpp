@@ -86,7 +86,7 @@ void* Services::REALCreateArray(std::int32_t type, std::int32_t upper_bound) {
   }
   auto array =
       std::make_unique<HostArray>(Kind::kStringArray, Host::Current()->options().direct_storage);
-  array->Resize(static_cast<std::size_t>(upper_bound + 1));
+  array->Resize(static_cast<std::size_t>(upper_bound) + 1);
   return TheAccounts().Open(std::move(array), Side::kLibrary)->handle();
 }
 

@@ -103,7 +103,7 @@ TEST(Escape, IsUndoneByUnescapeAndMatchesTheTextItself) {
   const Object regex = session.New();
   regex.Set("CompileOptionUTF8", false);
   std::uint32_t random = 2463534242;
-  for (const std::size_t size : {1, 2, 255, 4095, 4096, 4097, 8192, 20000}) {
+  for (const std::size_t size : {1U, 2U, 255U, 4095U, 4096U, 4097U, 8192U, 20000U}) {
     for (const bool special_only : {false, true}) {
       SCOPED_TRACE(size);
       std::string text;

@@ -279,7 +279,7 @@ TEST(ReplaceAll, AgreesWithTheEngineCalledDirectlyWhateverTheNumberOfMatches) {
   for (const char* pattern : patterns) {
     const Object regex = session.Compiled(pattern);
     for (const std::string_view unit : units) {
-      for (const std::size_t count : {1, 85, 128, 129, 700}) {
+      for (const std::size_t count : {1U, 85U, 128U, 129U, 700U}) {
         const Value target = Repeated(unit, count);
         for (const std::string_view new_text : new_texts) {
           const auto expected = tests::ReplaceAllDirectly(pattern, target.Bytes(), new_text);

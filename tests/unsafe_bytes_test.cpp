@@ -209,7 +209,7 @@ TEST(UnsafeBytes, AreFoundAtEveryPlace) {
   regex.Set("CompileOptionUnicodeCodePoints", true);
   ASSERT_TRUE(regex.Call("Compile", {"(?-U)(?i)[\\w\\x{e9}]*\\z"}).Boolean());
   for (const char* unsafe : {"\xFC\x84\x80\x80\x80\x80", "\xF4\x90\x80\x80", "\xFF", "\xE2\x82"}) {
-    for (const std::size_t size : {250, 256, 260, 512, 1000}) {
+    for (const std::size_t size : {250U, 256U, 260U, 512U, 1000U}) {
       for (std::size_t place = 0; place <= size; place += place > 230 && place < 270 ? 1 : 25) {
         const std::string subject =
             std::string(place, 'a') + unsafe + std::string(size - place, 'b');

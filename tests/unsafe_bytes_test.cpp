@@ -47,6 +47,10 @@ void* AllocateAtEdge(std::size_t size) {
   return memory;
 }
 
+void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return std::malloc(std::max<std::size_t>(size, 1));
+}
+
 [[gnu::noinline]] void operator delete[](void* memory) noexcept {
   const auto block = EdgeBlocks().find(memory);
   if (block == EdgeBlocks().end()) return std::free(memory);

@@ -3,7 +3,6 @@
 #include "text/utf8.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -13,9 +12,10 @@ namespace zrk {
 namespace {
 
 constexpr std::size_t kBlock = 256;
-// Short enough for a count of its characters to fit a byte.
-constexpr std::size_t kSequenceBlock = 128;
-constexpr int kLongestSequence = 4;
+// A block of characters: as many bytes as a lead byte reaches ahead, and then so few that a count
+// of them fits a byte.
+constexpr std::size_t kReach = 3;
+constexpr std::size_t kSequenceBlock = 128 + kReach;
 constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
 constexpr std::uint64_t kEachByte = 0x0101010101010101;
 constexpr std::uint64_t kHighBits = 0x80 * kEachByte;
@@ -44,49 +44,40 @@ std::uint64_t LoadWord(const unsigned char* bytes) {
 
 // How far a character that begins in the block's last bytes reaches past its end.
 std::size_t Overhang(const unsigned char* block_end) {
-  for (int back = kLongestSequence - 1; back >= 1; --back) {
+  for (int back = kReach; back >= 1; --back) {
     const int length = SequenceLength(block_end[-back]);
     if (length > back) return static_cast<std::size_t>(length - back);
   }
   return 0;
 }
 
-// Which bytes of a word are what, each by its highest bit.
-struct ByteKinds {
-  std::uint64_t continuation;
-  std::uint64_t announces_one;  // at least one more byte
-  std::uint64_t announces_two;
-  std::uint64_t announces_three;
-};
-
-ByteKinds KindsOf(std::uint64_t word) {
-  const std::uint64_t lead = word & (word << 1) & kHighBits;
-  const std::uint64_t long_lead = lead & (word << 2);
-  const std::uint64_t longest_lead = long_lead & (word << 3);
-  const std::uint64_t without_length = longest_lead & (word << 4);
-  return {word & ~(word << 1) & kHighBits, lead & ~without_length, long_lead & ~without_length,
-          longest_lead & ~without_length};
+// 1 for a byte that announces at least one, two or three more, 0 for any other: numbers and not
+// booleans, so that the compiler makes vector instructions of a loop over them.
+template <unsigned char kSmallestLead>
+unsigned char Announces(unsigned char byte) {
+  constexpr unsigned char kPastLeads = 0xF8;
+  return static_cast<unsigned char>(byte - kSmallestLead) < kPastLeads - kSmallestLead;
 }
+constexpr auto AnnouncesOne = Announces<0xC0>;
+constexpr auto AnnouncesTwo = Announces<0xE0>;
+constexpr auto AnnouncesThree = Announces<0xF0>;
 
 // Counts a block that begins with a character and in which continuation bytes stand exactly where
 // lead bytes announce them: there the walk steps on every other byte. Nothing for any other block.
 std::optional<CharacterPosition> CountRegularBlock(const unsigned char* block) {
-  static_assert(std::endian::native == std::endian::little, "a word's first byte is its lowest");
-  std::uint64_t irregular = 0;
-  std::uint64_t continuations = 0;
-  ByteKinds before{};
-  for (std::size_t at = 0; at < kSequenceBlock; at += kWordBytes) {
-    const ByteKinds kinds = KindsOf(LoadWord(block + at));
-    const std::uint64_t announced = kinds.announces_one << 8 | kinds.announces_two << 16 |
-                                    kinds.announces_three << 24 | before.announces_one >> 56 |
-                                    before.announces_two >> 48 | before.announces_three >> 40;
-    irregular |= kinds.continuation ^ announced;
-    continuations += kinds.continuation >> 7;
-    before = kinds;
+  const unsigned char second = IsContinuation(block[1]);
+  const unsigned char third = IsContinuation(block[2]);
+  unsigned char irregular = IsContinuation(block[0]) || second != AnnouncesOne(block[0]) ||
+                            third != (AnnouncesOne(block[1]) | AnnouncesTwo(block[0]));
+  auto stepped_over = static_cast<unsigned char>(second + third);
+  for (std::size_t at = kReach; at < kSequenceBlock; ++at) {
+    const unsigned char announced =
+        AnnouncesOne(block[at - 1]) | AnnouncesTwo(block[at - 2]) | AnnouncesThree(block[at - 3]);
+    const unsigned char continuation = IsContinuation(block[at]);
+    irregular |= announced ^ continuation;
+    stepped_over += continuation;
   }
   if (irregular != 0) return std::nullopt;
-  // Every byte of the word holds a count of at most a block's words; the product adds them up.
-  const auto stepped_over = static_cast<std::size_t>((continuations * kEachByte) >> 56);
   return CharacterPosition{kSequenceBlock + Overhang(block + kSequenceBlock),
                            kSequenceBlock - stepped_over};
 }

@@ -46,7 +46,6 @@ class MatchRecord {
 
  private:
   bool MakeRoom(std::size_t more);
-  void Put(std::int64_t number);
   unsigned char* bytes() { return heap_ != nullptr ? heap_.get() : few_; }
   const unsigned char* bytes() const { return heap_ != nullptr ? heap_.get() : few_; }
 

@@ -52,12 +52,6 @@ void RaiseOutOfBoundsException(std::int64_t value, std::int64_t minimum, std::in
   RaiseException(kClass, message.get());
 }
 
-bool CheckIndex(std::int64_t index, std::int64_t count, const char* method_name) {
-  if (index >= 0 && index < count) return true;
-  RaiseOutOfBoundsException(index, 0, count - 1, "index", method_name);
-  return false;
-}
-
 // The special kinds stand before their bases, since the first clause that fits applies.
 void TranslateNativeException() noexcept {
   constexpr const char* kOutOfBounds = "OutOfBoundsException";

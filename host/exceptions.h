@@ -19,7 +19,11 @@ void RaiseOutOfBoundsException(std::int64_t value, std::int64_t minimum, std::in
                                const char* parameter_name, const char* method_name);
 
 // Whether 0 <= index < count; raises the exception above for a parameter called "index" otherwise.
-bool CheckIndex(std::int64_t index, std::int64_t count, const char* method_name);
+inline bool CheckIndex(std::int64_t index, std::int64_t count, const char* method_name) {
+  if (index >= 0 && index < count) return true;
+  RaiseOutOfBoundsException(index, 0, count - 1, "index", method_name);
+  return false;
+}
 
 // Call inside catch (...): raises the host exception that stands for the native one being handled.
 void TranslateNativeException() noexcept;

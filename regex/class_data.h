@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+#include "host/exceptions.h"
 #include "host/records.h"
 #include "host/registration.h"
 #include "text/rb_data.h"
@@ -57,16 +58,25 @@ void ClearText(RegExClassData& data);
 
 // Releases a memory block that is kept as the subject but was resized since: its bytes are not
 // where they were. Called before the kept subject is used again.
-void ForgetLostSubject(RegExClassData& data);
+inline void ForgetLostSubject(RegExClassData& data) {
+  if (data.MemoryAdapter != nullptr && !data.MemoryAdapter->IsUnchanged()) ClearText(data);
+}
 
 // Frees the compiled pattern and its study block.
 void ClearPattern(RegExClassData& data);
 
 // Whether the object has its vector; raises "NilObjectException" otherwise.
-bool RequireVector(const RegExClassData& data);
+inline bool RequireVector(const RegExClassData& data) {
+  if (data.Vector != nullptr) return true;
+  RaiseException("NilObjectException", "RegEx class not initialized.");
+  return false;
+}
 
 // The notes that go with the kept subject, or null where none is kept.
-SubjectNotes* NotesOf(const RegExClassData& data);
+inline SubjectNotes* NotesOf(const RegExClassData& data) {
+  if (data.TextPointer == nullptr) return nullptr;
+  return data.TextAdapter != nullptr ? &data.TextAdapter->notes() : &data.MemoryAdapter->notes();
+}
 
 // "Constructor(VecSize as integer = 0)" and the class's destructor.
 void RegExConstructor(RegExClassData& data, HostInteger VecSize);

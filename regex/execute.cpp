@@ -1,6 +1,5 @@
 #include "regex/execute.h"
 
-#include <algorithm>
 #include <memory>
 
 #include "host/exceptions.h"
@@ -88,18 +87,6 @@ HostInteger RunOnWorker(REALobjectStruct* object, RegExClassData& data, HostInte
 }
 
 }  // namespace
-
-void ResetMatch(RegExClassData& data) {
-  data.Lasterror = kErrorPlugin;
-  data.Count = 0;
-  std::fill_n(data.Vector, data.VectorSize, 0);
-  Release(data.ErrorMessage);
-}
-
-void StoreResult(RegExClassData& data, int result) {
-  data.Count = std::max(result, 0);
-  data.Lasterror = std::min(result, 0);
-}
 
 HostInteger rb_pcre_exec(RegExClassData& data, REALstringStruct* text, HostInteger start) {
   ClearText(data);

@@ -9,6 +9,8 @@
 #ifndef ZRK_REGEX_EXECUTE_H
 #define ZRK_REGEX_EXECUTE_H
 
+#include <algorithm>
+
 #include "regex/class_data.h"
 
 namespace zrk {
@@ -31,10 +33,18 @@ HostInteger rb_pcre_execMMT(REALobjectStruct* object, REALmemoryBlockStruct* tex
                             HostInteger ByteOffset, HostInteger ByteLength);
 
 // Makes the object ready for a match: no error, no pairs, no error message.
-void ResetMatch(RegExClassData& data);
+inline void ResetMatch(RegExClassData& data) {
+  data.Lasterror = kErrorPlugin;
+  data.Count = 0;
+  std::fill_n(data.Vector, data.VectorSize, 0);
+  Release(data.ErrorMessage);
+}
 
 // Puts down what the engine answered: Count from a positive result, Lasterror from a negative one.
-void StoreResult(RegExClassData& data, int result);
+inline void StoreResult(RegExClassData& data, int result) {
+  data.Count = std::max(result, 0);
+  data.Lasterror = std::min(result, 0);
+}
 
 }  // namespace zrk
 

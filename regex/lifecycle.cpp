@@ -47,24 +47,9 @@ void ClearText(RegExClassData& data) {
   delete std::exchange(data.MemoryAdapter, nullptr);
 }
 
-void ForgetLostSubject(RegExClassData& data) {
-  if (data.MemoryAdapter != nullptr && !data.MemoryAdapter->IsUnchanged()) ClearText(data);
-}
-
 void ClearPattern(RegExClassData& data) {
   if (data.StudyExtra != nullptr) pcre_free_study(std::exchange(data.StudyExtra, nullptr));
   if (data.Handle != nullptr) pcre_free(std::exchange(data.Handle, nullptr));
-}
-
-bool RequireVector(const RegExClassData& data) {
-  if (data.Vector != nullptr) return true;
-  RaiseException("NilObjectException", "RegEx class not initialized.");
-  return false;
-}
-
-SubjectNotes* NotesOf(const RegExClassData& data) {
-  if (data.TextPointer == nullptr) return nullptr;
-  return data.TextAdapter != nullptr ? &data.TextAdapter->notes() : &data.MemoryAdapter->notes();
 }
 
 }  // namespace zrk

@@ -35,7 +35,9 @@ std::uint32_t FrameBytes() {
   return static_cast<std::uint32_t>(answer < 0 ? -answer : kCautiousGuess);
 }
 
-const std::uint32_t kFrameBytes = FrameBytes();
+// Levels to a byte of stack in units of 2^-32, rounded down: a division at every match would cost
+// as much as everything else that is done about its depth.
+const std::uint64_t kLevelsPerByte = (std::uint64_t{1} << 32) / FrameBytes();
 
 struct StackBounds {
   std::uintptr_t low = 0;
@@ -75,12 +77,11 @@ void PublishMainBounds(const StackBounds& bounds) {
 
 unsigned long LevelsIn(std::size_t bytes) {
   if (bytes <= kReservedBytes) return 0;
-  const auto usable =
-      static_cast<std::uint32_t>(std::min<std::size_t>(bytes - kReservedBytes, UINT32_MAX));
-  return usable / kFrameBytes;
+  const std::uint64_t usable = std::min<std::size_t>(bytes - kReservedBytes, UINT32_MAX);
+  return static_cast<unsigned long>(usable * kLevelsPerByte >> 32);
 }
 
-unsigned long LevelsLeftOnThread(std::uintptr_t here) {
+[[gnu::noinline]] unsigned long LevelsLeftOnThread(std::uintptr_t here) {
   StackBounds& bounds = bounds_of_thread;
   if (!bounds.looked_up) {
     bounds = LookUpBounds();

@@ -15,16 +15,9 @@ namespace zrk {
 namespace {
 
 constexpr unsigned char EmptyBuffer[4] = {};
-constexpr std::uint16_t EmptyBufferUInt16[4] = {};
-constexpr std::uint32_t EmptyBufferUInt32[4] = {};
 
 // Room for the zero bytes behind a copied text.
 constexpr std::int64_t kTerminatorBytes = 4;
-
-template <typename Unit>
-const unsigned char* AsBytes(const Unit* units) {
-  return reinterpret_cast<const unsigned char*>(units);
-}
 
 const unsigned char* TextOf(const REALstringStruct* string) { return string->Buffer + 1; }
 
@@ -47,35 +40,19 @@ bool IsSingleByteFamily(std::uint32_t encoding) {
 
 }  // namespace
 
-rbText::rbText(REALstringStruct* string) noexcept {
-  const std::int32_t not_computed = string != nullptr ? -1 : 0;
-  FillForms(EmptyBuffer, not_computed, not_computed);
+rbText::rbText(REALstringStruct* string) noexcept : SourceString(StringReference::Share(string)) {
+  SetUTF8(EmptyBuffer, string != nullptr ? -1 : 0);
   FormString[kUTF8] = nullptr;
   FormBuffer[kUTF8] = nullptr;
   FormDisposeFlag[kUTF8] = false;
-  if (string == nullptr) return;
-  SourceString = StringReference::Share(string);
-  ReadSource();
+  if (string != nullptr) ReadSource();
 }
 
-void rbText::FillForms(const unsigned char* single_bytes, std::int32_t single_length,
-                       std::int32_t other_length) {
-  FormData = {single_bytes,
-              single_bytes,
-              single_bytes,
-              single_bytes,
-              single_bytes,
-              AsBytes(EmptyBufferUInt16),
-              AsBytes(EmptyBufferUInt32)};
-  FormLength = {single_length, single_length, single_length, single_length,
-                single_length, other_length,  other_length};
-}
-
-// A host that cannot tell the encoding answers the neutral 0, which is one of the family.
+// A host that cannot tell the encoding answers the neutral 0, which is one of the family. The scan
+// needs no lock beside the one that the adapter holds.
 void rbText::ReadSource() {
   const std::uint32_t encoding = REALGetStringEncoding(SourceString.get());
   if (IsSingleByteFamily(encoding)) {
-    const auto scanned = StringReference::Share(SourceString.get());
     if (SourceIsASCII()) ShareASCII();
   } else if (encoding == kEncodingUnknown) {
     ReadUnknownEncoding();
@@ -109,13 +86,12 @@ bool rbText::SourceIsASCII() const {
 void rbText::ShareASCII() {
   const REALstringStruct* source = SourceString.get();
   AsciiShared = true;
-  FillForms(TextOf(source), source->Length, -1);
+  SetUTF8(TextOf(source), source->Length);
   Notes.SetASCII();
 }
 
 void rbText::ConvertUTF8() {
-  FormLength[kUTF8] = 0;
-  FormData[kUTF8] = EmptyBuffer;
+  SetUTF8(EmptyBuffer, 0);
   if (SourceString.get() == nullptr || ConversionFailed) return;
   if (!FetchUTF8()) {
     ConversionFailed = true;
@@ -135,8 +111,7 @@ bool rbText::FetchUTF8() {
     text = FormString[kUTF8];
     if (text == nullptr) return false;
   }
-  FormData[kUTF8] = TextOf(text);
-  FormLength[kUTF8] = text->Length;
+  SetUTF8(TextOf(text), text->Length);
   return true;
 }
 
@@ -144,8 +119,7 @@ bool rbText::FetchStringData() {
   REALstringData& data = FormStringData[kUTF8];
   FormDisposeFlag[kUTF8] = REALGetStringData(SourceString.get(), kEncodingUTF8, &data) != 0;
   if (!FormDisposeFlag[kUTF8] || data.Data == nullptr || data.Length < 0) return false;
-  FormData[kUTF8] = AsBytes(data.Data);
-  FormLength[kUTF8] = data.Length;
+  SetUTF8(reinterpret_cast<const unsigned char*>(data.Data), data.Length);
   return true;
 }
 
@@ -155,15 +129,13 @@ void rbText::Terminate() {
   const unsigned char* const text = FormData[kUTF8];
   const std::int32_t length = FormLength[kUTF8];
   if (text[length] == 0) return;
-  FormData[kUTF8] = EmptyBuffer;
-  FormLength[kUTF8] = 0;
+  SetUTF8(EmptyBuffer, 0);
   if (!FitsWithTerminator(length)) return;
   const auto size = static_cast<std::size_t>(length + kTerminatorBytes);
   FormBuffer[kUTF8] = static_cast<unsigned char*>(std::calloc(size, 1));
   if (FormBuffer[kUTF8] == nullptr) return;
   std::memcpy(FormBuffer[kUTF8], text, static_cast<std::size_t>(length));
-  FormData[kUTF8] = FormBuffer[kUTF8];
-  FormLength[kUTF8] = length;
+  SetUTF8(FormBuffer[kUTF8], length);
 }
 
 rbText::~rbText() {
@@ -184,7 +156,11 @@ void* rbText::operator new(std::size_t size) {
 }
 
 void rbText::operator delete(void* memory) {
-  ::operator delete(std::exchange(spare_memory, memory));
+  if (spare_memory == nullptr) {
+    spare_memory = memory;
+  } else {
+    ::operator delete(memory);
+  }
 }
 
 }  // namespace zrk

@@ -6,7 +6,6 @@
 #ifndef ZRK_TEXT_RB_TEXT_H
 #define ZRK_TEXT_RB_TEXT_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -45,13 +44,14 @@ class rbText {
   static void operator delete(void* memory);
 
  private:
-  // Five single-byte forms, one of 16-bit and one of 32-bit units. Only UTF-8 is ever asked for;
-  // the others are filled where ASCII bytes serve them all.
+  // Five single-byte forms, one of 16-bit and one of 32-bit units.
   static constexpr std::size_t kForms = 7;
   static constexpr std::size_t kUTF8 = 3;
 
-  void FillForms(const unsigned char* single_bytes, std::int32_t single_length,
-                 std::int32_t other_length);
+  void SetUTF8(const unsigned char* bytes, std::int32_t length) {
+    FormData[kUTF8] = bytes;
+    FormLength[kUTF8] = length;
+  }
   void ReadSource();
   void ReadUnknownEncoding();
   bool SourceIsASCII() const;
@@ -62,11 +62,10 @@ class rbText {
   void Terminate();
 
   StringReference SourceString;
-  // Of what a conversion leaves behind only the UTF-8 form's entry is ever set, and read; a text
-  // that is used in place touches none of it.
+  // Of all forms only the UTF-8 entry is ever set, and read.
   REALstringStruct* FormString[kForms];  // one reference
-  std::array<std::int32_t, kForms> FormLength;
-  std::array<const unsigned char*, kForms> FormData;
+  std::int32_t FormLength[kForms];       // in bytes; negative while not computed
+  const unsigned char* FormData[kForms];
   unsigned char* FormBuffer[kForms];      // owned, freed with free
   REALstringData FormStringData[kForms];  // to be disposed where the flag is set
   bool FormDisposeFlag[kForms];

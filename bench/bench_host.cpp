@@ -33,8 +33,26 @@ CountedString* AsCounted(REALstringStruct* string) {
   return reinterpret_cast<CountedString*>(string);
 }
 
+// Short strings come and go with every Substring; their memory is kept for the next one.
+constexpr std::size_t kShortText = 40;
+constexpr std::size_t kShortString = sizeof(CountedString) + kShortText + 1;
+std::vector<void*> spare_short_strings;
+
+void* NewMemory(std::size_t length) {
+  if (length > kShortText) return std::malloc(sizeof(CountedString) + length + 1);
+  if (spare_short_strings.empty()) return std::malloc(kShortString);
+  void* const memory = spare_short_strings.back();
+  spare_short_strings.pop_back();
+  return memory;
+}
+
+void FreeMemory(CountedString* string) {
+  if (static_cast<std::size_t>(string->record.Length) > kShortText) return std::free(string);
+  spare_short_strings.push_back(string);
+}
+
 REALstringStruct* NewString(const char* text, std::size_t length, std::uint32_t encoding) {
-  auto* const string = static_cast<CountedString*>(std::malloc(sizeof(CountedString) + length + 1));
+  auto* const string = static_cast<CountedString*>(NewMemory(length));
   if (string == nullptr) Fail("out of memory");
   string->record = {string->bytes, static_cast<std::int32_t>(length), encoding};
   string->references = 1;
@@ -46,7 +64,7 @@ REALstringStruct* NewString(const char* text, std::size_t length, std::uint32_t 
 void LockString(REALstringStruct* string) { ++AsCounted(string)->references; }
 
 void UnlockString(REALstringStruct* string) {
-  if (--AsCounted(string)->references == 0) std::free(string);
+  if (--AsCounted(string)->references == 0) FreeMemory(AsCounted(string));
 }
 
 std::uint32_t StringEncoding(REALstringStruct* string) { return string->Encoding; }

@@ -20,17 +20,25 @@ constexpr HostWord kOldConstantWords = 3;
 constexpr HostWord kOldEventWords = 2;
 constexpr std::int32_t kFirstCurrentLayout = 10;
 
+// The first `words` words of each row, as a new table; null for none, for 2 GiB and more, and
+// without memory.
+void* ShortenTable(const void* table, HostWord count, std::size_t row_bytes, HostWord words) {
+  const auto old_bytes = static_cast<std::size_t>(words) * kWord;
+  if (table == nullptr || count < 1) return nullptr;
+  const auto rows = static_cast<std::size_t>(count);
+  if (rows > INT32_MAX / old_bytes) return nullptr;
+  auto* const copy = static_cast<unsigned char*>(std::calloc(rows, old_bytes));
+  if (copy == nullptr) return nullptr;
+  for (std::size_t i = 0; i < rows; ++i) {
+    const auto* const row = static_cast<const unsigned char*>(table) + i * row_bytes;
+    std::memcpy(copy + i * old_bytes, row, old_bytes);
+  }
+  return copy;
+}
+
 template <typename Row>
 Row* ShortenRows(const Row* table, HostWord count, HostWord words) {
-  const auto row_bytes = static_cast<std::size_t>(words) * kWord;
-  if (table == nullptr || count < 1 || static_cast<std::uint64_t>(count) > INT32_MAX / row_bytes) {
-    return nullptr;
-  }
-  const auto rows = static_cast<std::size_t>(count);
-  auto* copy = static_cast<unsigned char*>(std::calloc(rows, row_bytes));
-  if (copy == nullptr) return nullptr;
-  for (std::size_t i = 0; i < rows; ++i) std::memcpy(copy + i * row_bytes, table + i, row_bytes);
-  return reinterpret_cast<Row*>(copy);
+  return static_cast<Row*>(ShortenTable(table, count, sizeof(Row), words));
 }
 
 REALevent* FixEvents(REALevent* table, HostWord count) {

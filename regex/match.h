@@ -41,7 +41,7 @@ struct MatchResult {
   Pair operator[](std::int32_t group) const { return {vector[2 * group], vector[2 * group + 1]}; }
   // The text of a group; empty for one that is not set, not there, or not within the subject.
   Bytes Text(std::int32_t group) const {
-    if (group < 0 || group >= pairs || subject == nullptr) return {nullptr, 0};
+    if (group >= pairs || subject == nullptr) return {nullptr, 0};
     const Pair pair = (*this)[group];
     if (!pair.HoldsText(length)) return {nullptr, 0};
     return {subject + pair.start, std::int64_t{pair.end} - pair.start};

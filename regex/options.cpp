@@ -26,8 +26,11 @@ template <typename Result, typename Value>
 Result ReadConfig(RegExClassData& data, int item) {
   Value value = 0;
   data.Lasterror = pcre_config(item, &value);
-  if constexpr (std::is_same_v<Result, HostBoolean>) return value != 0;
-  return static_cast<Result>(value);
+  if constexpr (std::is_same_v<Result, HostBoolean>) {
+    return value != 0;
+  } else {
+    return static_cast<Result>(value);
+  }
 }
 
 }  // namespace

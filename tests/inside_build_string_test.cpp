@@ -106,6 +106,8 @@ TEST(BuildString, ConvertsUTF32ByHand) {
       EXPECT_EQ(Build(Bytes<char32_t>(std::u32string(count, U'\U0001F600')), zrk::kEncodingUTF32),
                 expected);
     }
+    const char32_t one = U'a';  // a longer text would make more UTF-16 than a host string holds
+    EXPECT_EQ(zrk::REALBuildUnicodeString(&one, INT32_MAX, zrk::kEncodingUTF32), nullptr);
   }
 }
 

@@ -199,7 +199,10 @@ TEST(Groups, MayShareAName) {
       EXPECT_EQ(Substring(regex, "n"), '"' + std::string(text) + "\" err=0");
     }
     regex.Call("Execute", {"x"});
-    EXPECT_EQ(Substring(regex, "n"), "\"\" err=0");
+    EXPECT_EQ(Substring(regex, "n"), "\"\" err=0") << "no match";
+    regex.Call("Compile", {"x(?:(?<n>a)|(?<n>b))?"});
+    regex.Call("Execute", {"x"});
+    EXPECT_EQ(Substring(regex, "n"), "\"\" err=0") << "neither is set";
   });
 }
 

@@ -126,6 +126,7 @@ TEST(TextIn, HostBuffersServeInPlaceWhereTheyCan) {
       {"ASCII, unknown", zrk::kEncodingUnknown, "word", kNone, kNone, kNone},
       {"empty", zrk::kEncodingWindowsLatin1, "", kNone, kNone, kNone},
       {"UTF-8", zrk::kEncodingUTF8, "\xC3\xBC", kNone, kNone, kRequest},
+      {"UTF-8 marked ASCII", zrk::kEncodingASCII, "\xC3\xBC", kNone, kNone, kRequest},
       {"Latin-1", zrk::kEncodingISOLatin1, "\xFC", kString, kRequest, kRequest},
       {"unknown", zrk::kEncodingUnknown, "\x9F", kString, kRequest, kRequest},
       {"UTF-16", zrk::kEncodingUTF16, Bytes<char16_t>(u"w"), kString, kRequest, kRequest},

@@ -92,7 +92,7 @@ void rbText::ShareASCII() {
 
 void rbText::ConvertUTF8() {
   SetUTF8(EmptyBuffer, 0);
-  if (SourceString.get() == nullptr || ConversionFailed) return;
+  if (ConversionFailed) return;
   if (!FetchUTF8()) {
     ConversionFailed = true;
     return;

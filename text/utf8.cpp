@@ -90,13 +90,13 @@ bool IsUnsafeAt(const unsigned char* bytes, std::size_t length, std::size_t at) 
   return byte == kLastSafeLead && (bytes[at + 1] & 0x3F) >= 0x10;
 }
 
-// Calls found(index) for each unsafe byte, in order, until it answers false.
-template <typename Found>
-void ForEachUnsafeByte(const unsigned char* bytes, std::size_t length, Found found) {
-  std::size_t at = 0;
-  for (; at < length && IsContinuation(bytes[at]); ++at) {
-    if (!found(at)) return;
-  }
+// How many continuation bytes the text begins with; they are unsafe.
+std::size_t LeadingRun(const unsigned char* bytes, std::size_t length) {
+  return static_cast<std::size_t>(std::find_if_not(bytes, bytes + length, IsContinuation) - bytes);
+}
+
+// The first unsafe byte at or after `at`, which lies behind the leading run; `length` if none is.
+std::size_t FindUnsafe(const unsigned char* bytes, std::size_t length, std::size_t at) {
   constexpr std::size_t kLongestTail = 3;
   while (at < length) {
     if (at + kBlock + kLongestTail <= length && LargestOfBlock(bytes + at) < kLastSafeLead) {
@@ -104,9 +104,10 @@ void ForEachUnsafeByte(const unsigned char* bytes, std::size_t length, Found fou
       continue;
     }
     for (const std::size_t end = std::min(at + kBlock, length); at < end; ++at) {
-      if (IsUnsafeAt(bytes, length, at) && !found(at)) return;
+      if (IsUnsafeAt(bytes, length, at)) return at;
     }
   }
+  return length;
 }
 
 }  // namespace
@@ -151,12 +152,7 @@ CharacterPosition WalkCharacters(const unsigned char* bytes, CharacterPosition f
 }
 
 bool HasUnsafeBytes(const unsigned char* bytes, std::size_t length) {
-  bool found = false;
-  ForEachUnsafeByte(bytes, length, [&](std::size_t) {
-    found = true;
-    return false;
-  });
-  return found;
+  return LeadingRun(bytes, length) > 0 || FindUnsafe(bytes, length, 0) < length;
 }
 
 bool HasBrokenCharacters(const unsigned char* bytes, std::size_t length) {
@@ -174,10 +170,9 @@ std::vector<unsigned char> CopyWithoutUnsafeBytes(const unsigned char* bytes, st
   copy.reserve(length + 1);
   copy.assign(bytes, bytes + length);
   copy.push_back(0);
-  ForEachUnsafeByte(bytes, length, [&](std::size_t at) {
-    copy[at] = kSubstitute;
-    return true;
-  });
+  std::size_t at = LeadingRun(bytes, length);
+  std::fill_n(copy.begin(), at, kSubstitute);
+  while ((at = FindUnsafe(bytes, length, at)) < length) copy[at++] = kSubstitute;
   return copy;
 }
 

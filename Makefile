@@ -6,7 +6,9 @@ JOBS ?= $(shell nproc)
 SHELL := /bin/bash
 .SHELLFLAGS := -euo pipefail -c
 
-.PHONY: help demo test test-32 sanitize fuzz bench bench-check coverage docs package format check clean
+MEMCHECKED = unsafe_bytes inside_utf8 memory_block execute results text_in replace
+
+.PHONY: help demo test test-32 sanitize memcheck fuzz bench bench-check coverage docs package format check clean
 .DEFAULT_GOAL := help
 .NOTPARALLEL:
 
@@ -39,6 +41,12 @@ sanitize:  ## the tests under address, leak and undefined; the threaded ones und
 	ctest --preset asan-ubsan -j $(JOBS)
 	$(call build,tsan)
 	ctest --preset tsan -j $(JOBS)
+
+memcheck:  ## under valgrind: the tests whose subjects end where readable memory ends, and their kin
+	@tools/setup build memcheck
+	$(call build,dev)
+	printf '%s\n' $(MEMCHECKED) | xargs -P $(JOBS) -I{} \
+	  valgrind -q --error-exitcode=1 --leak-check=no build/dev/{}_test --gtest_brief=1
 
 fuzz:  ## run each fuzz target for FUZZ_SECONDS (60)
 	@tools/setup build clang

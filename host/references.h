@@ -29,7 +29,7 @@ inline void Unlock(REALobjectStruct* object) {
 // Gives back the reference that a field of a plain record holds, and clears the field.
 template <typename Handle>
 void Release(Handle*& field) {
-  if (field != nullptr) Unlock(std::exchange(field, nullptr));
+  Unlock(std::exchange(field, nullptr));
 }
 
 // Holds one reference on a host string or object; may hold null.

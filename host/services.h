@@ -47,13 +47,15 @@ class Service<kBinding, Result(Arguments...)> {
   }
 
   // Whether the host has the service; binds it if that has not been tried.
-  bool IsAvailable() { return function_ != nullptr || (!asked_ && Bind()); }
+  bool IsAvailable() {
+    return function_ != nullptr || ((kBinding == Binding::Retried || !asked_) && Bind());
+  }
 
  private:
   using Function = Result (*)(Arguments...);
 
   bool Bind() {
-    asked_ = kBinding == Binding::Guarded;
+    asked_ = true;
     function_ = reinterpret_cast<Function>(AskHost(name_, second_name_));
     return function_ != nullptr;
   }

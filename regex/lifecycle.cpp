@@ -40,7 +40,7 @@ void RegExDestructor(RegExClassData& data) {
 
 void ClearText(RegExClassData& data) {
   Release(data.Text);
-  if (data.TextMemory != nullptr) Unlock(AsObject(std::exchange(data.TextMemory, nullptr)));
+  Unlock(AsObject(std::exchange(data.TextMemory, nullptr)));
   data.TextPointer = nullptr;
   data.TextLength = 0;
   delete std::exchange(data.TextAdapter, nullptr);

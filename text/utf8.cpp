@@ -58,9 +58,9 @@ unsigned char Announces(unsigned char byte) {
   constexpr unsigned char kPastLeads = 0xF8;
   return static_cast<unsigned char>(byte - kSmallestLead) < kPastLeads - kSmallestLead;
 }
-constexpr auto AnnouncesOne = Announces<0xC0>;
-constexpr auto AnnouncesTwo = Announces<0xE0>;
-constexpr auto AnnouncesThree = Announces<0xF0>;
+unsigned char AnnouncesOne(unsigned char byte) { return Announces<0xC0>(byte); }
+unsigned char AnnouncesTwo(unsigned char byte) { return Announces<0xE0>(byte); }
+unsigned char AnnouncesThree(unsigned char byte) { return Announces<0xF0>(byte); }
 
 // Counts a block that begins with a character and in which continuation bytes stand exactly where
 // lead bytes announce them: there the walk steps on every other byte. Nothing for any other block.

@@ -6,6 +6,7 @@
 #include <climits>
 #include <ctime>
 #include <memory>
+#include <numeric>
 
 #include "bench/bench_host.h"
 
@@ -36,30 +37,38 @@ class Rounds {
 
  private:
   void RunRound(benchmark::State& state) {
+    std::vector<double> seconds(row_.size());
     std::int64_t agreed = kNothingFound;
-    double total = 0;
-    for (std::size_t turn = 0; turn < row_.size(); ++turn) {
-      const Contender& contender = row_[(round_ + turn) % row_.size()];
-      if (contender.prepare) contender.prepare();
-      const double start = Now(clock_);
-      const std::int64_t found = contender.work();
-      const double seconds = Now(clock_) - start;
-      total += seconds;
-      state.counters[contender.name] = seconds * 1e9 / contender.units;
-      if (agreed == kNothingFound) agreed = found;
-      if (found != kNothingFound && (found < 0 || found != agreed)) {
-        Fail(contender.name + " found " + std::to_string(found) + ", another " +
-             std::to_string(agreed));
+    for (int turn = 0; turn < row_.front().turns; ++turn, ++first_) {
+      for (std::size_t i = 0; i < row_.size(); ++i) {
+        const std::size_t next = (first_ + i) % row_.size();
+        seconds[next] += Time(row_[next], agreed);
       }
     }
-    ++round_;
-    state.SetIterationTime(total);
+    for (std::size_t i = 0; i < row_.size(); ++i) {
+      state.counters[row_[i].name] = seconds[i] * 1e9 / (row_[i].units * row_[i].turns);
+    }
+    state.SetIterationTime(std::accumulate(seconds.begin(), seconds.end(), 0.0));
+  }
+
+  // Seconds of one run; what it finds must be what the others found.
+  double Time(const Contender& contender, std::int64_t& agreed) const {
+    if (contender.prepare) contender.prepare();
+    const double start = Now(clock_);
+    const std::int64_t found = contender.work();
+    const double seconds = Now(clock_) - start;
+    if (agreed == kNothingFound) agreed = found;
+    if (found != kNothingFound && (found < 0 || found != agreed)) {
+      Fail(contender.name + " found " + std::to_string(found) + ", another " +
+           std::to_string(agreed));
+    }
+    return seconds;
   }
 
   std::function<Row()> make_;
   Clock clock_;
   Row row_;
-  std::size_t round_ = 0;
+  std::size_t first_ = 0;  // whose turn it is to begin
 };
 
 }  // namespace

@@ -1,7 +1,7 @@
 // A row of the benchmarks: several ways of doing the same work, timed in turns.
 //
-// Each repetition of a Google Benchmark run is one round, in which every contender runs once, right
-// after the others and in another order each time; what disturbs the machine disturbs them all. The
+// Each repetition of a Google Benchmark run is one round, in which the contenders run right after
+// each other and in another order each time; what disturbs the machine disturbs them all. The
 // counters of the row are nanoseconds per unit of work, by contender; Google Benchmark adds their
 // medians over the rounds.
 //
@@ -23,10 +23,11 @@ inline constexpr std::int64_t kNothingFound = INT64_MIN;
 
 struct Contender {
   std::string name;
-  double units;  // calls, matches, bytes: what the time is divided by
+  double units;  // of one run of the work: calls, matches, bytes; what its time is divided by
   // Answers what it found, never a negative number. All contenders of a row that answer must agree.
   std::function<std::int64_t()> work;
-  std::function<void()> prepare = nullptr;  // before each round, not timed
+  std::function<void()> prepare = nullptr;  // before each run, not timed
+  int turns = 1;                            // runs in a round; the same for all of a row
 };
 
 enum class Clock {
@@ -39,14 +40,21 @@ using Row = std::vector<Contender>;
 // Adds a row. It is made at its first round and kept for the later ones.
 void AddRow(const std::string& name, std::function<Row()> make, Clock clock = Clock::Processor);
 
-// The same work a number of times, for calls too short to be timed singly.
+// The same work a number of times, for calls too short to be timed singly; in many turns, because a
+// machine may change its pace within a round.
 template <typename Work>
 Contender Repeated(std::string name, std::int64_t times, Work work) {
-  return {std::move(name), static_cast<double>(times), [times, work] {
-            std::int64_t found = 0;
-            for (std::int64_t i = 0; i < times; ++i) found += work();
-            return found;
-          }};
+  constexpr int kTurns = 20;
+  times /= kTurns;
+  return {.name = std::move(name),
+          .units = static_cast<double>(times),
+          .work =
+              [times, work] {
+                std::int64_t found = 0;
+                for (std::int64_t i = 0; i < times; ++i) found += work();
+                return found;
+              },
+          .turns = kTurns};
 }
 
 }  // namespace bench

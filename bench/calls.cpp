@@ -1,9 +1,12 @@
 // What a single call costs: short subjects, so that the engine has next to nothing to do.
+#include <benchmark/benchmark.h>
+
 #include <algorithm>
 
 #include "bench/engines.h"
 #include "bench/rounds.h"
 #include "bench/settings.h"
+#include "regex/stack_depth.h"
 
 namespace bench {
 
@@ -68,22 +71,21 @@ Row Substrings() {
           })};
 }
 
-// What Execute(start) does around the engine is what it does without a pattern, which ends just
-// before, and what it does for the call itself: the limits and the result. The engine gets an extra
-// block in either case.
+// What an engine call pays for a recursion limit of its own: the levels that the stack holds, the
+// lesser of two limits, and its place in the extra block. The library's own function is linked in.
 Row Limits() {
-  const auto engines = std::make_shared<Engines>("(\\d+)-(\\d+)");
-  const auto empty = std::make_shared<RegEx>(nullptr);
-  const String& text = TwentyBytes();
-  engines->regex.execute(text.get(), 0);
-  pcre_extra limited{};
-  limited.flags = PCRE_EXTRA_MATCH_LIMIT_RECURSION;
-  limited.match_limit_recursion = 10'000;
-  const int calls = Times(kCalls);
-  return {Repeated("bare", calls,
-                   [=, &text] { return engines->bare.Exec(text.view(), 0, &limited) > 0; }),
-          Repeated("zrk", calls, [=] { return engines->regex.execute_again(0) > 0; }),
-          Repeated("no_pattern", calls, [=] { return empty->execute_again(0) > 0; })};
+  static pcre_extra extra{};
+  static volatile unsigned long own_limit = 10'000'000;
+  const int calls = Times(2'000'000);
+  const auto put = [](unsigned long limit) {
+    extra.match_limit_recursion = limit;
+    benchmark::DoNotOptimize(extra);
+    return 1;
+  };
+  return {Repeated("without", calls, [=] { return put(own_limit); }), Repeated("zrk", calls, [=] {
+            const unsigned long own = own_limit;
+            return put(std::min(own, zrk::LevelsLeftOnStack()));
+          })};
 }
 
 Row Threaded() {

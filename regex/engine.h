@@ -27,8 +27,7 @@ struct EngineCall {
 
 // Runs the engine and answers its result: the number of pairs set, 0 where the vector is too small,
 // or a negative code. The call's limits hold; PCRE_ERROR_RECURSIONLIMIT means that its recursion
-// limit was reached, or that even the deep stack does not hold the match. Never throws. [any
-// thread]
+// limit was reached, or that even the deep stack does not hold the match. [any thread]
 int RunEngine(EngineCall& call) noexcept;
 
 // The recursion limit that the engine has by itself.

@@ -51,7 +51,8 @@ REALstringStruct* EscapeString(RegExClassData& /*data*/, REALstringStruct* text)
   rbText adapter(text);
   std::string_view rest = View(adapter);
   std::string result;
-  result.reserve(rest.size() + kSpareBytes);
+  // Prose has fewer special characters than one in eight; growing would copy all that is there.
+  result.reserve(rest.size() + rest.size() / 8 + kSpareBytes);
   std::array<char, 2 * kBlock> escaped;
   for (; !rest.empty(); rest.remove_prefix(std::min(kBlock, rest.size()))) {
     result.append(escaped.data(), EscapeBlock(rest.substr(0, kBlock), escaped.data()));

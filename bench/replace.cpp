@@ -72,7 +72,8 @@ Row MakeRow(const Replaced& replaced) {
 
 void AddReplaceRows() {
   for (const Replaced& replaced : kReplaced) {
-    AddRow(std::string("replace/") + replaced.name, [&replaced] { return MakeRow(replaced); });
+    AddRow(std::string("replace/") + replaced.name,
+           [&replaced] { return InTurns(2, MakeRow(replaced)); });
   }
 }
 

@@ -106,7 +106,7 @@ local page = {}
 local function line(...) page[#page + 1] = table.concat({ ... }) end
 
 line "# Benchmarks\n"
-line "Written by `make bench`; bench/README.md says how each row is measured. Each figure is taken in every\nround of one run, in which the contenders take turns; shown is the median. In the last two columns stand the same\nfigures for the engine's C++ binding and for RE2; the binding runs without UTF-8 mode, in\nwhich it would check the whole text again for each match.\n"
+line "Written by `make bench`; bench/README.md says how each row is measured. Each figure is taken in every\nround of one run, in which the contenders take turns; shown is the median. In the\nlast two columns stand the same figures for the engine's C++ binding and for RE2; the binding runs without\nUTF-8 mode, in which it would check the whole text again for each match.\n"
 line(read(arg[1]))
 line "| work | target | measured | | C++ binding | RE2 |"
 line "|---|---|---|---|---|---|"

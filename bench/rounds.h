@@ -40,6 +40,12 @@ using Row = std::vector<Contender>;
 // Adds a row. It is made at its first round and kept for the later ones.
 void AddRow(const std::string& name, std::function<Row()> make, Clock clock = Clock::Processor);
 
+// The row with each contender at work that many times a round.
+inline Row InTurns(int turns, Row row) {
+  for (Contender& contender : row) contender.turns = turns;
+  return row;
+}
+
 // The same work a number of times, for calls too short to be timed singly; in many turns, because a
 // machine may change its pace within a round.
 template <typename Work>

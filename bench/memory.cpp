@@ -44,7 +44,7 @@ int Execute(const RegEx& regex, const String& text) {
 }
 
 int ExecuteMemory(const RegEx& regex, const String& text) {
-  MemoryBlock block(text);
+  static MemoryBlock block(text);  // the object keeps it, longer than this call
   if (regex.execute_memory(block.handle(), 0, 0) < 1) Fail("no match");
   return 0;
 }

@@ -279,7 +279,6 @@ RegEx::RegEx(const char* pattern, int compile_options)
   Method<void(HostInteger)>(object_, "Constructor(VecSize as integer = 0)")(kVectorSize);
   Field(object_, "CompileOptions") = compile_options;
   Field(object_, "ExecuteOptions") = kExecuteOptions;
-  if (pattern == nullptr) return;
   const String text(pattern);
   const Method<HostBoolean(Text)> compile(object_, "Compile(pattern as string) as boolean");
   if (!compile(text.get())) Fail(std::string("cannot compile ") + pattern);

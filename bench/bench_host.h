@@ -108,8 +108,7 @@ inline constexpr int kCompileOptions = PCRE_UTF8 | PCRE_NO_UTF8_CHECK;
 inline constexpr int kExecuteOptions = PCRE_NO_UTF8_CHECK;
 inline constexpr int kVectorSize = 51;
 
-// An object of the class with a compiled pattern, or without one where that is null. Its fields
-// call its methods.
+// An object of the class with a compiled pattern. Its fields call its methods.
 class RegEx {
  public:
   explicit RegEx(const char* pattern, int compile_options = kCompileOptions);

@@ -35,18 +35,14 @@ local rows = collect(table.move(arg, 2, #arg, 1, {}))
 
 local function rounds_of(row) return rows[row] or error("nothing was measured for " .. row) end
 
-local function middle(numbers)
-  table.sort(numbers)
-  local at = (#numbers + 1) / 2
-  return (numbers[math.floor(at)] + numbers[math.ceil(at)]) / 2
-end
-
 -- The median of a figure over the rounds: machines have slow minutes, which a figure of one round has in
 -- all its parts.
 local function median(row, figure, who)
   local figures = {}
   for i, round in ipairs(rounds_of(row)) do figures[i] = figure(round, who) end
-  return middle(figures)
+  table.sort(figures)
+  local middle = (#figures + 1) / 2
+  return (figures[math.floor(middle)] + figures[math.ceil(middle)]) / 2
 end
 
 local function median_of_counter(row, name)

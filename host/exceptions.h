@@ -1,7 +1,8 @@
 // Host exceptions: misuse and internal failures as the script sees them. [host thread]
 //
 // The host raises the exception when the method returns, so a caller returns at once with its
-// neutral result.
+// neutral result. Raising is kept out of line, where its code does not stand in the way of calls
+// that go well.
 #ifndef ZRK_HOST_EXCEPTIONS_H
 #define ZRK_HOST_EXCEPTIONS_H
 
@@ -11,12 +12,14 @@ namespace zrk {
 
 // Raises an exception of the named host class, or a "RuntimeException" where the host does not know
 // that class. Both texts are zero-terminated; a null message leaves the exception's empty.
-void RaiseException(const char* class_name, const char* message, std::uint32_t error_number = 0);
+[[gnu::noinline]] void RaiseException(const char* class_name, const char* message,
+                                      std::uint32_t error_number = 0);
 
 // Raises "OutOfBoundsException" with a message that names the parameter, the method, the allowed
 // range and the value. A null parameter name reads "?", a null method name is left out.
-void RaiseOutOfBoundsException(std::int64_t value, std::int64_t minimum, std::int64_t maximum,
-                               const char* parameter_name, const char* method_name);
+[[gnu::noinline]] void RaiseOutOfBoundsException(std::int64_t value, std::int64_t minimum,
+                                                 std::int64_t maximum, const char* parameter_name,
+                                                 const char* method_name);
 
 // Whether 0 <= index < count; raises the exception above for a parameter called "index" otherwise.
 inline bool CheckIndex(std::int64_t index, std::int64_t count, const char* method_name) {

@@ -54,7 +54,7 @@ class Service<kBinding, Result(Arguments...)> {
  private:
   using Function = Result (*)(Arguments...);
 
-  bool Bind() {
+  [[gnu::noinline, gnu::cold]] bool Bind() {
     asked_ = true;
     function_ = reinterpret_cast<Function>(AskHost(name_, second_name_));
     return function_ != nullptr;

@@ -57,9 +57,12 @@ inline RegExClassData& DataOf(REALobjectStruct* object) {
 void ClearText(RegExClassData& data);
 
 // Releases a memory block that is kept as the subject but was resized since: its bytes are not
-// where they were. Called before the kept subject is used again.
+// where they were.
+[[gnu::noinline]] void ForgetResizedBlock(RegExClassData& data);
+
+// Called before the kept subject is used again.
 inline void ForgetLostSubject(RegExClassData& data) {
-  if (data.MemoryAdapter != nullptr && !data.MemoryAdapter->IsUnchanged()) ClearText(data);
+  if (data.MemoryAdapter != nullptr) ForgetResizedBlock(data);
 }
 
 // Frees the compiled pattern and its study block.

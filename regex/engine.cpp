@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "regex/stack_depth.h"
-
 namespace zrk {
 
 const unsigned long kEngineRecursionLimit = [] {
@@ -13,15 +11,6 @@ const unsigned long kEngineRecursionLimit = [] {
 }();
 
 namespace {
-
-const char* AsChars(const unsigned char* bytes) { return reinterpret_cast<const char*>(bytes); }
-
-int RunWithLimit(EngineCall& call, unsigned long limit) {
-  call.extra.flags |= PCRE_EXTRA_MATCH_LIMIT_RECURSION;
-  call.extra.match_limit_recursion = limit;
-  return pcre_exec(call.code, &call.extra, AsChars(call.subject), call.length, call.start,
-                   call.options, call.vector, call.vector_size);
-}
 
 // Whether the engine would take the call's subject for UTF-8 without checking it.
 bool ReadsUnchecked(const EngineCall& call) {
@@ -41,37 +30,13 @@ void RunDeep(void* data, unsigned long levels) {
   deep.result = RunWithLimit(deep.call, std::min(deep.call.recursion_limit, levels));
 }
 
-// The attempt on the stack at hand was cut off by its limit.
-[[gnu::noinline]] int RunAgainDeep(EngineCall& call) {
-  std::fill_n(call.vector, call.vector_size, 0);  // captures of that attempt
+}  // namespace
+
+int RunAgainDeep(EngineCall& call) noexcept {
+  std::fill_n(call.vector, call.vector_size, 0);  // captures of the first attempt
   DeepCall deep{call, PCRE_ERROR_RECURSIONLIMIT};
   RunOnDeepStack(RunDeep, &deep);
   return deep.result;
-}
-
-// A limit binds from 1 on.
-void WriteLimit(pcre_extra& study, unsigned long flag, std::int32_t limit, unsigned long& field) {
-  if (limit >= 1) {
-    study.flags |= flag;
-    field = static_cast<unsigned long>(limit);
-  } else {
-    study.flags &= ~flag;
-  }
-}
-
-}  // namespace
-
-int RunEngine(EngineCall& call) noexcept {
-  const unsigned long levels = LevelsLeftOnStack();
-  const int result = RunWithLimit(call, std::min(call.recursion_limit, levels));
-  const bool cut_off = result == PCRE_ERROR_RECURSIONLIMIT && levels < call.recursion_limit;
-  return cut_off ? RunAgainDeep(call) : result;
-}
-
-void WriteLimits(pcre_extra& study, const RegExClassData& data) {
-  WriteLimit(study, PCRE_EXTRA_MATCH_LIMIT, data.MatchLimit, study.match_limit);
-  WriteLimit(study, PCRE_EXTRA_MATCH_LIMIT_RECURSION, data.MatchLimitRecursion,
-             study.match_limit_recursion);
 }
 
 const unsigned char* SafeBytes(const EngineCall& call, const unsigned char* bytes,

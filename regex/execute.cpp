@@ -57,7 +57,8 @@ void PointAtSubject(EngineCall& call, const RegExClassData& data, HostInteger st
   if (SubjectNotes* const notes = NotesOf(data)) {
     SetSubject(call, data.TextPointer, data.TextLength, *notes);
   } else {
-    call.length = data.TextLength;  // and no bytes, which the engine refuses
+    call.subject = nullptr;  // which the engine refuses
+    call.length = data.TextLength;
   }
 }
 
@@ -88,14 +89,16 @@ HostInteger RunOnWorker(REALobjectStruct* object, RegExClassData& data, HostInte
 
 }  // namespace
 
-HostInteger rb_pcre_exec(RegExClassData& data, REALstringStruct* text, HostInteger start) {
+// The two are flattened: in the calls that scripts make most, even a call within the library shows.
+[[gnu::flatten]] HostInteger rb_pcre_exec(RegExClassData& data, REALstringStruct* text,
+                                          HostInteger start) {
   ClearText(data);
   if (!BeginMatch(data) || data.Handle == nullptr) return 0;
   KeepText(data, text);
   return Run(data, start);
 }
 
-HostInteger rb_pcre_execAgain(RegExClassData& data, HostInteger start) {
+[[gnu::flatten]] HostInteger rb_pcre_execAgain(RegExClassData& data, HostInteger start) {
   data.Lasterror = kErrorPlugin;
   data.Count = 0;
   if (!BeginMatch(data) || data.Handle == nullptr) return 0;

@@ -47,6 +47,10 @@ void ClearText(RegExClassData& data) {
   delete std::exchange(data.MemoryAdapter, nullptr);
 }
 
+void ForgetResizedBlock(RegExClassData& data) {
+  if (!data.MemoryAdapter->IsUnchanged()) ClearText(data);
+}
+
 void ClearPattern(RegExClassData& data) {
   if (data.StudyExtra != nullptr) pcre_free_study(std::exchange(data.StudyExtra, nullptr));
   if (data.Handle != nullptr) pcre_free(std::exchange(data.Handle, nullptr));

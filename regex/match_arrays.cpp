@@ -123,7 +123,8 @@ _REALarrayString* MatchArray(RegExClassData& data, Array* array, HostBoolean inv
 
 }  // namespace
 
-HostBoolean Match(RegExClassData& data, REALstringStruct* text) {
+// Flattened for the same reason as Execute.
+[[gnu::flatten]] HostBoolean Match(RegExClassData& data, REALstringStruct* text) {
   ClearText(data);
   if (!RequireVector(data)) return false;
   ResetMatch(data);

@@ -6,10 +6,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <climits>
 #include <cstddef>
-#include <cstdint>
 
 namespace zrk {
 
@@ -34,10 +32,6 @@ std::uint32_t FrameBytes() {
   constexpr int kCautiousGuess = 1024;
   return static_cast<std::uint32_t>(answer < 0 ? -answer : kCautiousGuess);
 }
-
-// Levels to a byte of stack in units of 2^-32, rounded down: a division at every match would cost
-// as much as everything else that is done about its depth.
-const std::uint64_t kLevelsPerByte = (std::uint64_t{1} << 32) / FrameBytes();
 
 struct StackBounds {
   std::uintptr_t low = 0;
@@ -64,31 +58,17 @@ StackBounds LookUpBounds() {
 // Looking up reads the process map for the main thread, so each thread does it once.
 thread_local constinit StackBounds bounds_of_thread;
 
-// The main thread's bounds, for a check that needs no look at the thread's own: an address between
-// them is on that stack, which lives as long as the process. Written once, the upper bound last.
-std::atomic<std::uintptr_t> main_low = 0;
-std::atomic<std::uintptr_t> main_high = 0;
-
-void PublishMainBounds(const StackBounds& bounds) {
-  if (getpid() != gettid()) return;
-  main_low.store(bounds.low, std::memory_order_relaxed);
-  main_high.store(bounds.high, std::memory_order_release);
-}
-
-unsigned long LevelsIn(std::size_t bytes) {
+// What the engine may have of so much stack.
+std::size_t UsableOf(std::size_t bytes) {
   if (bytes <= kReservedBytes) return 0;
-  const std::uint64_t usable = std::min<std::size_t>(bytes - kReservedBytes, UINT32_MAX);
-  return static_cast<unsigned long>(usable * kLevelsPerByte >> 32);
+  return std::min<std::size_t>(bytes - kReservedBytes, UINT32_MAX);
 }
 
-[[gnu::noinline]] unsigned long LevelsLeftOnThread(std::uintptr_t here) {
-  StackBounds& bounds = bounds_of_thread;
-  if (!bounds.looked_up) {
-    bounds = LookUpBounds();
-    PublishMainBounds(bounds);
-  }
-  const bool known = here > bounds.low && here < bounds.high;
-  return LevelsIn(known ? here - bounds.low : kAssumedBytes);
+void PublishMainStack(const StackBounds& bounds) {
+  if (getpid() != gettid()) return;
+  const std::size_t usable = UsableOf(bounds.high - bounds.low);
+  main_stack.low.store(bounds.high - usable, std::memory_order_relaxed);
+  main_stack.bytes.store(usable, std::memory_order_release);
 }
 
 class DeepStack {
@@ -118,20 +98,24 @@ struct DeepWork {
 
 void* RunDeepWork(void* record) {
   const auto* deep = static_cast<const DeepWork*>(record);
-  deep->work(deep->data, LevelsIn(kDeepStackBytes - kGuardBytes));
+  deep->work(deep->data, LevelsIn(UsableOf(kDeepStackBytes - kGuardBytes)));
   return nullptr;
 }
 
 }  // namespace
 
-unsigned long LevelsLeftOnStack() noexcept {
-  const volatile char here_byte = 0;
-  const auto here = reinterpret_cast<std::uintptr_t>(&here_byte);
-  if (here < main_high.load(std::memory_order_acquire)) {
-    const std::uintptr_t low = main_low.load(std::memory_order_relaxed);
-    if (here > low) return LevelsIn(here - low);
+const std::uint64_t kLevelsPerByte = (std::uint64_t{1} << 32) / FrameBytes();
+
+MainStack main_stack;
+
+unsigned long LevelsLeftOnThread(std::uintptr_t here) noexcept {
+  StackBounds& bounds = bounds_of_thread;
+  if (!bounds.looked_up) {
+    bounds = LookUpBounds();
+    PublishMainStack(bounds);
   }
-  return LevelsLeftOnThread(here);
+  const bool known = here > bounds.low && here < bounds.high;
+  return LevelsIn(UsableOf(known ? here - bounds.low : kAssumedBytes));
 }
 
 bool RunOnDeepStack(void (*work)(void*, unsigned long), void* data) noexcept {

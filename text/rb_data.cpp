@@ -32,6 +32,8 @@ rbData::rbData(REALmemoryBlockStruct* block, std::uint32_t /*offset*/,
   BlockSize = bytes.size;
 }
 
+rbData::~rbData() = default;
+
 bool rbData::IsUnchanged() const {
   const BlockBytes bytes = ReadBlock(block());
   return bytes.data == BlockData && bytes.size == BlockSize;

@@ -16,6 +16,10 @@ class rbData {
   explicit rbData(REALmemoryBlockStruct* block, std::uint32_t offset = 0,
                   std::uint32_t length = 0) noexcept;
 
+  [[gnu::noinline]] ~rbData();  // mostly there is no block to let go
+  rbData(const rbData&) = delete;
+  rbData& operator=(const rbData&) = delete;
+
   // The block's first byte; null where there is none.
   const unsigned char* data() const { return BlockData; }
   // In bytes, never negative; 0 where there are no bytes.

@@ -26,16 +26,9 @@ bool FitsWithTerminator(std::int64_t length) {
 }
 
 bool IsSingleByteFamily(std::uint32_t encoding) {
-  switch (encoding) {
-    case kEncodingMacRoman:
-    case kEncodingISOLatin1:
-    case kEncodingWindowsLatin1:
-    case kEncodingASCII:
-    case kEncodingUTF8:
-      return true;
-    default:
-      return false;
-  }
+  return encoding == kEncodingUTF8 || encoding == kEncodingASCII ||
+         encoding == kEncodingMacRoman || encoding == kEncodingISOLatin1 ||
+         encoding == kEncodingWindowsLatin1;
 }
 
 }  // namespace
@@ -139,8 +132,11 @@ void rbText::Terminate() {
 }
 
 rbText::~rbText() {
+  if (!AsciiShared) ReleaseForms();
+}
+
+void rbText::ReleaseForms() {
   SourceString.Reset();
-  if (AsciiShared) return;
   Release(FormString[kUTF8]);
   if (FormDisposeFlag[kUTF8]) REALDisposeStringData(&FormStringData[kUTF8]);
   std::free(FormBuffer[kUTF8]);

@@ -52,11 +52,13 @@ class rbText {
     FormData[kUTF8] = bytes;
     FormLength[kUTF8] = length;
   }
+  // What ASCII text never needs is kept out of line: the rest is inlined where scripts call most.
+  [[gnu::noinline]] void ReadUnknownEncoding();
+  [[gnu::noinline]] void ConvertUTF8();
+  [[gnu::noinline]] void ReleaseForms();
   void ReadSource();
-  void ReadUnknownEncoding();
   bool SourceIsASCII() const;
   void ShareASCII();
-  void ConvertUTF8();
   bool FetchUTF8();
   bool FetchStringData();
   void Terminate();

@@ -110,15 +110,22 @@ TEST(UTF8, ScansAgreeWithSlowOnesAtEveryLength) {
   }
 }
 
-// One odd byte at each place of a text of several blocks.
+// One odd byte at each place of a text of several blocks, and at some of one that is long enough to
+// be read at several places side by side.
 TEST(UTF8, NoPlaceIsOverlooked) {
-  for (const int odd : {0x80, 0xC3, 0xE2, 0xF4, 0xF5}) {
-    for (std::size_t at = 0; at < 600; ++at) {
-      ByteString bytes(600, 'a');
-      bytes[at] = static_cast<unsigned char>(odd);
-      if (odd == 0xF4 && at + 1 < bytes.size()) bytes[at + 1] = 0x90;
-      Check(bytes);
-      if (HasFailure()) FAIL() << odd << " at " << at;
+  constexpr struct {
+    std::size_t length;
+    std::size_t step;
+  } kTexts[] = {{600, 1}, {600'000, 65'535}};
+  for (const auto& [length, step] : kTexts) {
+    for (const int odd : {0x80, 0xC3, 0xE2, 0xF4, 0xF5}) {
+      for (std::size_t at = 0; at < length; at += step) {
+        ByteString bytes(length, 'a');
+        bytes[at] = static_cast<unsigned char>(odd);
+        if (odd == 0xF4 && at + 1 < length) bytes[at + 1] = 0x90;
+        Check(bytes);
+        if (HasFailure()) FAIL() << odd << " at " << at << " of " << length;
+      }
     }
   }
 }

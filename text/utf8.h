@@ -42,9 +42,10 @@ bool HasUnsafeBytes(const unsigned char* bytes, std::size_t length);
 // them stands alone. Overlong forms and surrogates are whole characters.
 bool HasBrokenCharacters(const unsigned char* bytes, std::size_t length);
 
-// A copy, and a zero byte behind it, in which 0x1A stands for each unsafe byte. Throws
-// std::bad_alloc.
-std::vector<unsigned char> CopyWithoutUnsafeBytes(const unsigned char* bytes, std::size_t length);
+// A copy, and a zero byte behind it, in which 0x1A stands for each unsafe byte: seldom needed.
+// Throws std::bad_alloc.
+[[gnu::noinline]] std::vector<unsigned char> CopyWithoutUnsafeBytes(const unsigned char* bytes,
+                                                                    std::size_t length);
 
 }  // namespace zrk
 

@@ -12,7 +12,7 @@ namespace bench {
 
 namespace {
 
-constexpr int kCalls = 200'000;
+constexpr int kCalls = 1'000'000;
 
 const String& TwentyBytes() {
   static const String text("to be, or not to be:");
@@ -91,9 +91,12 @@ Row Limits() {
 Row Threaded() {
   const auto regex = std::make_shared<RegEx>("be");
   const String& text = TwentyBytes();
-  constexpr int kCallsInAll = 100;  // a tenth of a second
-  return {Repeated("execute", kCallsInAll, [=, &text] { return regex->execute(text.get(), 0); }),
-          Repeated("zrk", kCallsInAll, [=, &text] { return regex->execute_mt(text.get(), 0); })};
+  constexpr int kCallsInAll =
+      100;  // in one turn of a tenth of a second: each call waits differently
+  return {Repeated(
+              "execute", kCallsInAll, [=, &text] { return regex->execute(text.get(), 0); }, 1),
+          Repeated(
+              "zrk", kCallsInAll, [=, &text] { return regex->execute_mt(text.get(), 0); }, 1)};
 }
 
 std::string_view View(const REALstringStruct* line) {
@@ -106,16 +109,21 @@ Row Lines() {
   const auto lines = std::make_shared<Array>(
       LinesOf(Text("ascii", TheSettings().quick ? 10 : 100), std::size_t(Times(1'000'000))));
   const auto count_lines = [lines](std::string name, auto matches) {
-    const auto count = [=] { return std::ranges::count_if(lines->elements, matches); };
-    return Contender{std::move(name), static_cast<double>(lines->elements.size()), count};
+    const std::int64_t all = std::ssize(lines->elements);
+    const auto count = [=](Part part) {
+      const auto first = lines->elements.begin();
+      return std::count_if(first + part.BeginIn(all), first + part.EndIn(all), matches);
+    };
+    return InParts(Times(100), std::move(name), static_cast<double>(all), count);
   };
-  return {
-      count_lines("bare", [=](auto* line) { return engines->bare.Exec(View(line)) > 0; }),
-      count_lines("zrk", [=](auto* line) { return engines->regex.match(line) != 0; }),
-      count_lines(
-          "pcrecpp",
-          [=](auto* line) { return engines->binding.PartialMatch(ForBinding(View(line))); }),
-      count_lines("re2", [=](auto* line) { return RE2::PartialMatch(View(line), engines->re2); })};
+  return InTurns(
+      10, {count_lines("bare", [=](auto* line) { return engines->bare.Exec(View(line)) > 0; }),
+           count_lines("zrk", [=](auto* line) { return engines->regex.match(line) != 0; }),
+           count_lines(
+               "pcrecpp",
+               [=](auto* line) { return engines->binding.PartialMatch(ForBinding(View(line))); }),
+           count_lines("re2",
+                       [=](auto* line) { return RE2::PartialMatch(View(line), engines->re2); })});
 }
 
 }  // namespace

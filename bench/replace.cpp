@@ -73,7 +73,7 @@ Row MakeRow(const Replaced& replaced) {
 void AddReplaceRows() {
   for (const Replaced& replaced : kReplaced) {
     AddRow(std::string("replace/") + replaced.name,
-           [&replaced] { return InTurns(2, MakeRow(replaced)); });
+           [&replaced] { return InTurns(4, MakeRow(replaced)); });
   }
 }
 

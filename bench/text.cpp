@@ -41,7 +41,7 @@ std::int64_t CountByLeadBytes(std::string_view text) {
 
 // A memory block, because of a string the library may know that it is ASCII. Each round has a new
 // subject, so that nothing is remembered, and a match at its very end.
-Row Characters(const char* kind) {
+Row Characters(std::string_view kind) {
   const String& text = Text(kind, UsualSize());
   const auto block = std::make_shared<MemoryBlock>(text);
   const auto regex = std::make_shared<RegEx>("$");
@@ -76,7 +76,7 @@ Row CharactersWhileWalking() {
 
 // Both calls keep a new subject and match at its end, where the engine has nothing to do. A pattern
 // that is not UTF-8 needs no scan, so that the difference is the scan's.
-Row UnsafeBytes(const char* kind) {
+Row UnsafeBytes(std::string_view kind) {
   const String& text = Text(kind, UsualSize());
   const auto block = std::make_shared<MemoryBlock>(text);
   const auto scanning = std::make_shared<RegEx>("$");
@@ -106,12 +106,13 @@ Row UnsafeBytesAgain() {
 }  // namespace
 
 void AddTextRows() {
-  AddRow("text/escape", Escape);
-  for (const char* kind : {"ascii", "mixed"}) {
-    AddRow(std::string("text/characters_") + kind, [kind] { return Characters(kind); });
-    AddRow(std::string("text/unsafe_") + kind, [kind] { return UnsafeBytes(kind); });
+  constexpr int kTurns = 10;
+  AddRow("text/escape", [] { return InTurns(kTurns, Escape()); });
+  for (const std::string kind : {"ascii", "mixed"}) {
+    AddRow("text/characters_" + kind, [kind] { return InTurns(kTurns, Characters(kind)); });
+    AddRow("text/unsafe_" + kind, [kind] { return InTurns(kTurns, UnsafeBytes(kind)); });
   }
-  AddRow("text/characters_walking", CharactersWhileWalking);
+  AddRow("text/characters_walking", [] { return InTurns(kTurns, CharactersWhileWalking()); });
   AddRow("text/unsafe_again", UnsafeBytesAgain);
 }
 

@@ -27,32 +27,46 @@ constexpr Walked kWalked[] = {
     {"letters", "\\p{Lu}\\p{L}+", "mixed"},
 };
 
-std::int64_t WalkWithBinding(const pcrecpp::RE& regex, std::string_view text) {
-  pcrecpp::StringPiece rest = ForBinding(text);
-  std::int64_t matches = 0;
-  while (regex.FindAndConsume(&rest)) ++matches;
-  return matches;
-}
-
-std::int64_t WalkWithRE2(const RE2& regex, std::string_view text) {
-  re2::StringPiece match;
-  std::int64_t matches = 0;
-  for (std::size_t start = 0; regex.Match(text, start, text.size(), RE2::UNANCHORED, &match, 1);
-       ++matches) {
-    start = static_cast<std::size_t>(match.data() - text.data()) + match.size();
-  }
-  return matches;
+// A walk in parts. `next` answers where the match found from a byte offset on ends, or -1.
+template <typename Next>
+Contender Walking(std::string name, const String& text, Next next) {
+  const auto walk = [=, length = std::int64_t{text.length()}, at = 0](Part part) mutable {
+    if (part.number == 0) at = 0;
+    std::int64_t found = 0;
+    for (; at >= 0 && at < part.EndIn(length); ++found) at = next(at);
+    return found;
+  };
+  return InParts(Times(100), std::move(name), 1, walk);
 }
 
 Row MakeRow(const Walked& walked) {
   const auto engines = std::make_shared<Engines>(walked.pattern, walked.caseless);
   const String& text = Text(walked.kind, UsualSize());
-  Row row{{"bare", 1, [=, &text] { return engines->bare.Walk(text.view()); }},
-          {"zrk", 1, [=, &text] { return Walk(engines->regex, text.get()); }},
-          {"re2", 1, [=, &text] { return WalkWithRE2(engines->re2, text.view()); }}};
+  Row row{Walking("bare", text,
+                  [=, &text](int start) {
+                    Bare& bare = engines->bare;
+                    return bare.Exec(text.view(), start) > 0 ? bare.vector[1] : -1;
+                  }),
+          Walking("zrk", text,
+                  [=, &text](int start) {
+                    const RegEx& regex = engines->regex;
+                    const int found =
+                        start == 0 ? regex.execute(text.get(), 0) : regex.execute_again(start);
+                    return found > 0 ? regex.offset(1) : -1;
+                  }),
+          Walking("re2", text, [=, &text](int start) {
+            re2::StringPiece match;
+            const bool found = engines->re2.Match(text.view(), static_cast<std::size_t>(start),
+                                                  text.view().size(), RE2::UNANCHORED, &match, 1);
+            return found ? static_cast<int>(match.end() - text.view().data()) : -1;
+          })};
   if (walked.kind == kASCII) {
-    row.push_back(
-        {"pcrecpp", 1, [=, &text] { return WalkWithBinding(engines->binding, text.view()); }});
+    row.push_back(Walking("pcrecpp", text, [=, &text](int start) {
+      pcrecpp::StringPiece rest = ForBinding(text.view().substr(static_cast<std::size_t>(start)));
+      return engines->binding.FindAndConsume(&rest)
+                 ? static_cast<int>(rest.data() - text.view().data())
+                 : -1;
+    }));
   }
   return row;
 }
@@ -61,7 +75,7 @@ Row MakeRow(const Walked& walked) {
 
 void AddWalkRows() {
   for (const Walked& walked : kWalked) {
-    AddRow(std::string("walk/") + walked.name, [&walked] { return InTurns(4, MakeRow(walked)); });
+    AddRow(std::string("walk/") + walked.name, [&walked] { return InTurns(5, MakeRow(walked)); });
   }
 }
 

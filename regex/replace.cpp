@@ -19,10 +19,11 @@ using Buffer = std::unique_ptr<unsigned char[]>;
 
 constexpr std::int64_t kSpareBytes = 5;
 
-// Room for that many bytes and a few more; null past the largest host string, or without memory.
+// Room for that many bytes and what Append may write past them; null past the largest host string,
+// or without memory.
 Buffer MakeBuffer(std::int64_t size) {
   if (size + kSpareBytes > INT32_MAX) return nullptr;
-  return Buffer(new (std::nothrow) unsigned char[static_cast<std::size_t>(size + kSpareBytes)]);
+  return Buffer(new (std::nothrow) unsigned char[static_cast<std::size_t>(size + kAtOnce)]);
 }
 
 // The text around a match. With \K in a lookahead a match starts past its end, and what lies
@@ -62,9 +63,10 @@ REALstringStruct* Replaces(RegExClassData& data, REALstringStruct* new_text, boo
   const Buffer buffer =
       MakeBuffer(around.before.length + replacement.LengthFor(match) + around.after.length);
   if (buffer == nullptr) return nullptr;
-  unsigned char* end = Append(around.before, buffer.get());
+  const unsigned char* const subject_end = match.subject + match.length;
+  unsigned char* end = Append(around.before, subject_end, buffer.get());
   end = replacement.WriteFor(match, end);
-  end = Append(around.after, end);
+  end = Append(around.after, subject_end, end);
   REALstringStruct* const result = BuildUpToNul(buffer.get(), end);
   if (result != nullptr) data.Lasterror = 0;
   return result;
@@ -92,7 +94,7 @@ class Builder {
  private:
   void CopyTo(std::int32_t offset) {
     if (offset <= copied_) return;
-    end_ = Append({target_.data + copied_, offset - copied_}, end_);
+    end_ = Append({target_.data + copied_, offset - copied_}, target_.data + target_.length, end_);
     copied_ = offset;
   }
 

@@ -61,11 +61,16 @@ void Replacement::Split(Bytes text, std::int32_t group_bound) {
 }
 
 void Replacement::AddLiteral(const unsigned char* from, const unsigned char* to) {
-  if (from != to) pieces_[count_++] = {{from, to - from}, kLiteral};
+  if (from == to) return;
+  Piece& piece = pieces_[count_++];
+  piece = {.group = kLiteral, .literal = {from, to - from}, .few = {}};
+  if (piece.literal.length > kAtOnce) return;
+  std::copy(from, to, piece.few);
+  piece.literal.data = piece.few;
 }
 
 void Replacement::AddGroup(std::int32_t group) {
-  pieces_[count_++] = {{}, group};
+  pieces_[count_++].group = group;
   if (group == 0 || std::ranges::count(groups(), group) > 0) return;
   groups_[group_count_++] = group;
 }
@@ -77,13 +82,10 @@ std::int64_t Replacement::LengthFor(const MatchResult& match) const {
 }
 
 unsigned char* Replacement::WriteFor(const MatchResult& match, unsigned char* out) const {
-  for (const Piece& piece : pieces()) out = Append(piece.TextFor(match), out);
+  for (const Piece& piece : pieces()) {
+    out = Append(piece.TextFor(match), piece.ReadableEnd(match), out);
+  }
   return out;
-}
-
-unsigned char* Append(Bytes bytes, unsigned char* out) {
-  if (bytes.length > 0) std::memcpy(out, bytes.data, static_cast<std::size_t>(bytes.length));
-  return out + bytes.length;
 }
 
 }  // namespace zrk

@@ -7,12 +7,30 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <span>
 
 #include "regex/match.h"
 
 namespace zrk {
+
+// Pieces of a text are mostly a few bytes long, and finding out how few costs more than copying
+// some that are not needed. Where a text is put together, that many bytes may be written past its
+// end.
+inline constexpr std::int64_t kAtOnce = 16;
+
+// Copies bytes, which may be none, and answers where the copy ends. What stands behind them may be
+// read up to readable_end.
+inline unsigned char* Append(Bytes bytes, const unsigned char* readable_end, unsigned char* out) {
+  if (bytes.length == 0) return out;
+  if (bytes.length <= kAtOnce && readable_end - bytes.data >= kAtOnce) {
+    std::memcpy(out, bytes.data, kAtOnce);
+  } else {
+    std::memcpy(out, bytes.data, static_cast<std::size_t>(bytes.length));
+  }
+  return out + bytes.length;
+}
 
 // Replacement text taken apart once, to be put together for any number of matches. The pieces point
 // into the text, which must outlive them.
@@ -38,11 +56,17 @@ class Replacement {
   // A group's text, or literal bytes where group is kLiteral.
   static constexpr std::int32_t kLiteral = -1;
   struct Piece {
-    Bytes literal;
     std::int32_t group;
+    Bytes literal;
+    unsigned char few[kAtOnce];  // a short literal, with room to be read at once
 
     Bytes TextFor(const MatchResult& match) const {
       return group == kLiteral ? literal : match.Text(group);
+    }
+    // Where what may be read behind that text ends.
+    const unsigned char* ReadableEnd(const MatchResult& match) const {
+      if (group != kLiteral) return match.subject + match.length;
+      return literal.data == few ? few + kAtOnce : literal.data + literal.length;
     }
   };
 
@@ -56,9 +80,6 @@ class Replacement {
   std::int32_t groups_[kNamableGroups];
   std::size_t group_count_ = 0;
 };
-
-// Copies bytes, which may be none, and answers where the copy ends.
-unsigned char* Append(Bytes bytes, unsigned char* out);
 
 }  // namespace zrk
 

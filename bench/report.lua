@@ -35,8 +35,7 @@ local rows = collect(table.move(arg, 2, #arg, 1, {}))
 
 local function rounds_of(row) return rows[row] or error("nothing was measured for " .. row) end
 
--- The median of a figure over the rounds: machines have slow minutes, which a figure of one round has in
--- all its parts.
+-- The median of a figure over the rounds.
 local function median(row, figure, who)
   local figures = {}
   for i, round in ipairs(rounds_of(row)) do figures[i] = figure(round, who) end
@@ -102,7 +101,7 @@ local page = {}
 local function line(...) page[#page + 1] = table.concat({ ... }) end
 
 line "# Benchmarks\n"
-line "Written by `make bench`; bench/README.md says how each row is measured. Each figure is taken in every\nround of one run, in which the contenders take turns; shown is the median. In the\nlast two columns stand the same figures for the engine's C++ binding and for RE2; the binding runs without\nUTF-8 mode, in which it would check the whole text again for each match.\n"
+line "Written by `make bench`; bench/README.md says how each row is measured. Each figure is taken in every\nround of one run, in which the contenders take turns and the fastest turn of each counts; shown is the median over\nthe rounds. In the last two columns stand the same figures for the engine's C++ binding and for RE2; the binding runs without\nUTF-8 mode, in which it would check the whole text again for each match.\n"
 line(read(arg[1]))
 line "| work | target | measured | | C++ binding | RE2 |"
 line "|---|---|---|---|---|---|"

@@ -75,7 +75,7 @@ Row MakeRow(const Walked& walked) {
 
 void AddWalkRows() {
   for (const Walked& walked : kWalked) {
-    AddRow(std::string("walk/") + walked.name, [&walked] { return InTurns(5, MakeRow(walked)); });
+    AddRow(std::string("walk/") + walked.name, [&walked] { return InTurns(4, MakeRow(walked)); });
   }
 }
 

@@ -49,7 +49,8 @@ inline EngineCall PrepareUnlimitedCall(const RegExClassData& data) {
   return call;
 }
 
-// A limit binds from 1 on.
+// A limit binds from 1 on. Flags that stay are not written again: the copy that follows would wait
+// for them.
 inline void WriteLimit(pcre_extra& study, unsigned long flag, std::int32_t limit,
                        unsigned long& field) {
   if (limit >= 1) {

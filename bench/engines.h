@@ -46,13 +46,15 @@ struct Bare {
   int vector[kVectorSize];
 };
 
-// The same walk as a host program does it.
+// The same walk as a host program does it: where the next match from a byte offset on ends, or -1.
+// From 0 on the text becomes the subject.
+inline int NextMatch(const RegEx& regex, REALstringStruct* text, int start) {
+  const int found = start == 0 ? regex.execute(text, 0) : regex.execute_again(start);
+  return found > 0 ? regex.offset(1) : -1;
+}
 inline std::int64_t Walk(const RegEx& regex, REALstringStruct* text) {
   std::int64_t matches = 0;
-  for (int found = regex.execute(text, 0); found > 0;
-       found = regex.execute_again(regex.offset(1))) {
-    ++matches;
-  }
+  for (int at = 0; (at = NextMatch(regex, text, at)) >= 0;) ++matches;
   return matches;
 }
 

@@ -1,5 +1,7 @@
 // The same work on 1, 10 and 100 MB: what a byte costs should not depend on how many there are.
-#include <algorithm>
+//
+// All sizes are at it for as long as the largest takes once, so that slow moments of the machine
+// weigh alike. There is one turn only: the fastest of several would be that of the smallest.
 #include <functional>
 
 #include "bench/engines.h"
@@ -10,42 +12,72 @@ namespace bench {
 
 namespace {
 
-using Work = std::function<void()>;
 using SharedRegEx = std::shared_ptr<RegEx>;
 
-void WalkWithCharacters(const RegEx& regex, REALstringStruct* text) {
-  for (int found = regex.execute(text, 0); found > 0;
-       found = regex.execute_again(regex.offset(1))) {
-    regex.offset_characters(0);
-    regex.offset_characters(1);
-  }
+// A text of so many megabytes, and how often it is worked through.
+struct Sized {
+  std::string name;
+  int megabytes;
+  int times;
+  const String& text;
+
+  double Bytes() const { return static_cast<double>(times) * text.length(); }
+};
+
+// A megabyte is a part, so that walks over all sizes take turns.
+template <typename Visit>
+Contender InMegabytes(const SharedRegEx& regex, const Sized& sized, Visit visit) {
+  const auto walk = [=, &text = sized.text, of = sized.megabytes, at = 0](Part part) mutable {
+    const Part megabyte{part.number % of, of};
+    if (megabyte.number == 0) at = 0;
+    while (at >= 0 && at < megabyte.EndIn(text.length())) {
+      at = NextMatch(*regex, text.get(), at);
+      if (at >= 0) visit(*regex);
+    }
+    return kNothingFound;
+  };
+  return InParts(sized.times * sized.megabytes, sized.name, sized.Bytes(), walk);
 }
 
-Work Walking(const SharedRegEx& regex, const String& text) {
-  return [=, &text] { Walk(*regex, text.get()); };
+Contender Walking(const SharedRegEx& regex, const Sized& sized) {
+  return InMegabytes(regex, sized, [](const RegEx&) {});
 }
 
-Work WalkingWithCharacters(const SharedRegEx& regex, const String& text) {
-  return [=, &text] { WalkWithCharacters(*regex, text.get()); };
+Contender WalkingWithCharacters(const SharedRegEx& regex, const Sized& sized) {
+  return InMegabytes(regex, sized, [](const RegEx& matched) {
+    matched.offset_characters(0);
+    matched.offset_characters(1);
+  });
 }
 
-Work Replacing(const SharedRegEx& regex, const String& text) {
+template <typename Call>
+Contender InCalls(const Sized& sized, Call call) {
+  const auto work = [call, times = sized.times] {
+    for (int i = 0; i < times; ++i) call();
+    return kNothingFound;
+  };
+  return {sized.name, sized.Bytes(), work};
+}
+
+Contender Replacing(const SharedRegEx& regex, const Sized& sized) {
   const auto replacement = std::make_shared<String>("[\\0]");
-  return [=, &text] { Unlock(regex->replace_all(text.get(), replacement->get())); };
+  return InCalls(sized, [=, &text = sized.text] {
+    Unlock(regex->replace_all(text.get(), replacement->get()));
+  });
 }
 
-Work Filtering(const SharedRegEx& regex, const String& text) {
-  const auto lines = std::make_shared<Array>(LinesOf(text, SIZE_MAX));
-  return [=] { Unlock(regex->filter(lines->handle(), 0)); };
+Contender Filtering(const SharedRegEx& regex, const Sized& sized) {
+  const auto lines = std::make_shared<Array>(LinesOf(sized.text, SIZE_MAX));
+  return InCalls(sized, [=] { Unlock(regex->filter(lines->handle(), 0)); });
 }
 
-Work Escaping(const SharedRegEx& regex, const String& text) {
-  return [=, &text] { Unlock(regex->escape(text.get())); };
+Contender Escaping(const SharedRegEx& regex, const Sized& sized) {
+  return InCalls(sized, [=, &text = sized.text] { Unlock(regex->escape(text.get())); });
 }
 
 struct Growing {
   const char* name;
-  Work (*make)(const SharedRegEx&, const String&);
+  Contender (*make)(const SharedRegEx&, const Sized&);
 };
 
 constexpr Growing kGrowing[] = {
@@ -54,20 +86,14 @@ constexpr Growing kGrowing[] = {
     {"escape", Escaping},
 };
 
-// One contender for each size; the smaller ones work several times, so that slow moments of the
-// machine weigh as little in theirs. No parts and no fastest turn: the largest has but one.
 Row MakeRow(const Growing& growing) {
-  const auto regex = std::make_shared<RegEx>("[A-Z][a-z]+");
+  const int largest = TheSettings().quick ? 10 : 100;
   Row row;
-  for (const int size : {1, 10, 100}) {
-    if (size == 100 && TheSettings().quick) continue;
-    const String& text = Text("mixed", size);
-    const int times = std::max(1, (TheSettings().quick ? 10 : 30) / size);
-    const Work work = growing.make(regex, text);
-    row.push_back({"mb" + std::to_string(size), double(times) * text.length(), [=] {
-                     for (int i = 0; i < times; ++i) work();
-                     return kNothingFound;
-                   }});
+  for (int size = 1; size <= largest; size *= 10) {
+    // An object for each: walks that take turns keep their subjects.
+    const auto regex = std::make_shared<RegEx>("[A-Z][a-z]+");
+    row.push_back(growing.make(
+        regex, {"mb" + std::to_string(size), size, largest / size, Text("mixed", size)}));
   }
   return row;
 }

@@ -48,12 +48,7 @@ Row MakeRow(const Walked& walked) {
                     return bare.Exec(text.view(), start) > 0 ? bare.vector[1] : -1;
                   }),
           Walking("zrk", text,
-                  [=, &text](int start) {
-                    const RegEx& regex = engines->regex;
-                    const int found =
-                        start == 0 ? regex.execute(text.get(), 0) : regex.execute_again(start);
-                    return found > 0 ? regex.offset(1) : -1;
-                  }),
+                  [=, &text](int start) { return NextMatch(engines->regex, text.get(), start); }),
           Walking("re2", text, [=, &text](int start) {
             re2::StringPiece match;
             const bool found = engines->re2.Match(text.view(), static_cast<std::size_t>(start),

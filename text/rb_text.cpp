@@ -26,9 +26,8 @@ bool FitsWithTerminator(std::int64_t length) {
 }
 
 bool IsSingleByteFamily(std::uint32_t encoding) {
-  return encoding == kEncodingUTF8 || encoding == kEncodingASCII ||
-         encoding == kEncodingMacRoman || encoding == kEncodingISOLatin1 ||
-         encoding == kEncodingWindowsLatin1;
+  return encoding == kEncodingUTF8 || encoding == kEncodingASCII || encoding == kEncodingMacRoman ||
+         encoding == kEncodingISOLatin1 || encoding == kEncodingWindowsLatin1;
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 // The same work on 1, 10 and 100 MB: what a byte costs should not depend on how many there are.
 //
 // All sizes are at it for as long as the largest takes once, so that slow moments of the machine
-// weigh alike. There is one turn only: the fastest of several would be that of the smallest.
-#include <functional>
-
+// weigh alike.
 #include "bench/engines.h"
 #include "bench/rounds.h"
 #include "bench/settings.h"

@@ -56,8 +56,7 @@ constexpr const char* kFewMatches = "Linux";
 std::int64_t WalkCharacters(const RegEx& regex, const String& text) {
   std::int64_t matches = 0;
   std::int64_t last = 0;
-  for (int found = regex.execute(text.get(), 0); found > 0;
-       found = regex.execute_again(regex.offset(1))) {
+  for (int at = 0; (at = NextMatch(regex, text.get(), at)) >= 0;) {
     const int character = regex.offset_characters(0);
     if (character <= last) Fail("character offsets go backwards");
     last = character;

@@ -25,6 +25,7 @@ bool FitsWithTerminator(std::int64_t length) {
   return length + kTerminatorBytes >= 1 && length + kTerminatorBytes <= INT32_MAX;
 }
 
+// The usual ones first: every subject is asked.
 bool IsSingleByteFamily(std::uint32_t encoding) {
   return encoding == kEncodingUTF8 || encoding == kEncodingASCII || encoding == kEncodingMacRoman ||
          encoding == kEncodingISOLatin1 || encoding == kEncodingWindowsLatin1;

@@ -24,10 +24,7 @@ extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
 
 namespace {
 
-using tests::CallRow;
-using tests::Object;
-using tests::Outcome;
-using tests::Session;
+using namespace tests;
 
 // Counts the library's allocations from Arm on and lets the chosen one fail.
 struct Allocations {
@@ -119,9 +116,7 @@ class AllocationFaults : public testing::Test {
 };
 
 const std::string kRaised = " OutOfMemoryException: Failed to allocate memory.";
-const std::string kTextShown =
-    "\"a\xC3\xA9"
-    "bc\xF5 bx bc\"";
+const std::string kTextShown = "\"aébc\xF5 bx bc\"";
 
 // What else than the right answer comes of a call, each of which must be seen: the exception; text
 // whose copy failed and reads as empty; the engine's own refusal; nil from the replace methods.

@@ -6,9 +6,7 @@ namespace {
 
 using standin::Host;
 
-const std::string kText =
-    "a\xC3\xA9"
-    "bc\xF5 bx bc";
+const std::string kText = "aébc\xF5 bx bc";
 
 Values Strings(Host& host, bool inverse) {
   return {host.StringArray({"bc", kText, "zz", Value()}), inverse};
@@ -59,7 +57,7 @@ const std::vector<CallRow>& CallRows() {
       {"name entry", "InfoNameEntry", [](Host&) -> Values { return {2}; }},
       {"no such entry", "InfoNameEntry", [](Host&) -> Values { return {3}; }},
       {"version", "Version", None},
-      {"compile", "Compile", [](Host&) -> Values { return {"b(\xC3\xA9)"}; }},
+      {"compile", "Compile", [](Host&) -> Values { return {"b(é)"}; }},
       {"compile an error", "Compile", [](Host&) -> Values { return {"b("}; }},
       {"compile bytes", "CompileMemory",
        [](Host& host) -> Values {
@@ -105,15 +103,15 @@ const std::vector<CallRow>& CallRows() {
       {"limit", "ConfigMatchLimit", None},
       {"recursion", "ConfigMatchLimitRecursion", None},
       {"stack", "ConfigStackRecurse", None},
-      {"replace", "Replace", [](Host&) -> Values { return {"<\\1\xC3\xA9>"}; }},
+      {"replace", "Replace", [](Host&) -> Values { return {"<\\1é>"}; }},
       {"replace selection", "ReplaceSelection", [](Host&) -> Values { return {"<\\2>"}; }},
       {"replace all", "ReplaceAll",
        [](Host&) -> Values {
-         return {kText, "<\\1\xC3\xA9>"};
+         return {kText, "<\\1é>"};
        }},
       {"delete all", "ReplaceAll", [](Host&) -> Values { return {kText}; }},
-      {"escape", "Escape", [](Host&) -> Values { return {"a.\xC3\xA9(((((((((("}; }},
-      {"unescape", "Unescape", [](Host&) -> Values { return {"a\\.\xC3\xA9 and some more"}; }},
+      {"escape", "Escape", [](Host&) -> Values { return {"a.é(((((((((("}; }},
+      {"unescape", "Unescape", [](Host&) -> Values { return {"a\\.é and some more"}; }},
   };
   return rows;
 }

@@ -12,10 +12,7 @@
 namespace {
 
 using namespace std::string_literals;
-using tests::Object;
-using tests::OnEachHost;
-using tests::Session;
-using tests::Value;
+using namespace tests;
 
 // What a compile came to as one line, such as `code 14 at 2 "missing )"`.
 std::string Line(bool compiled, int code, int offset, const std::string& message) {
@@ -64,7 +61,7 @@ TEST(Compile, AnswersWhatTheEngineDoes) {
       {"a)"},
       {"[z-a]"},
       {"*"},
-      {"\xC3\xA4\xC3\xB6("},
+      {"äö("},
       {"(?<n>a)(?<n>b)"},
       {"\\"},
       {"a{5,2}"},

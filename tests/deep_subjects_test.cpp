@@ -12,10 +12,7 @@
 
 namespace {
 
-using tests::Kind;
-using tests::Object;
-using tests::Session;
-using tests::Value;
+using namespace tests;
 
 // What the deep stack is promised to hold; lazy quantifiers take half of it for each character.
 constexpr int kGreedy = sizeof(void*) == 4 ? 250'000 : 500'000;

@@ -12,8 +12,7 @@
 
 namespace {
 
-using tests::Object;
-using tests::Session;
+using namespace tests;
 
 int queue_of_the_process;
 

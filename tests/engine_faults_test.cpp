@@ -10,8 +10,7 @@
 
 namespace {
 
-using tests::Object;
-using tests::Session;
+using namespace tests;
 
 // What is refused while a test runs; kNothing otherwise.
 constexpr int kNothing = -1;

@@ -11,13 +11,7 @@
 namespace {
 
 using namespace std::string_literals;
-using tests::Describe;
-using tests::DescribeDirectly;
-using tests::Object;
-using tests::OnEachHost;
-using tests::Raised;
-using tests::Session;
-using tests::Value;
+using namespace tests;
 
 // From every start, those that the engine refuses and those inside a character as well.
 TEST(Execute, AnswersWhatTheEngineDoes) {
@@ -33,11 +27,11 @@ TEST(Execute, AnswersWhatTheEngineDoes) {
       {"(a)|(b)|(c)", "xc"},
       {"(a)(?<n>b)?(c)", "acabc"},
       {"()(a)", "a"},
-      {"(?<=\xC3\xA4)\xC3\xB6", "\xC3\xA4\xC3\xB6"},
-      {"\\p{Lu}", "\xC3\xA4\xC3\x84"},
+      {"(?<=ä)ö", "äö"},
+      {"\\p{Lu}", "äÄ"},
       {"(a\\0b)", "xa\0by"s},
       {"a\\Kb", "ab"},
-      {"(\\w+)(?!\\w)", "one, tw\xC3\xB6, three"},
+      {"(\\w+)(?!\\w)", "one, twö, three"},
   };
   OnEachHost([&](Session& session) {
     for (const Row& row : rows) {
@@ -60,9 +54,9 @@ TEST(Execute, ACodeTellsWhatIsWrong) {
     int start, options, expected;
   };
   constexpr Row kRows[] = {
-      {"b\xFF", 0, 0, PCRE_ERROR_BADUTF8},           {"b\xC3", 0, 0, PCRE_ERROR_BADUTF8},
-      {"\xC3\xA4", 1, 0, PCRE_ERROR_BADUTF8_OFFSET}, {"b", 2, 0, PCRE_ERROR_BADOFFSET},
-      {"b", INT32_MIN, 0, PCRE_ERROR_BADOFFSET},     {"b", 0, PCRE_CASELESS, PCRE_ERROR_BADOPTION},
+      {"b\xFF", 0, 0, PCRE_ERROR_BADUTF8},       {"b\xC3", 0, 0, PCRE_ERROR_BADUTF8},
+      {"ä", 1, 0, PCRE_ERROR_BADUTF8_OFFSET},    {"b", 2, 0, PCRE_ERROR_BADOFFSET},
+      {"b", INT32_MIN, 0, PCRE_ERROR_BADOFFSET}, {"b", 0, PCRE_CASELESS, PCRE_ERROR_BADOPTION},
   };
   OnEachHost([&](Session& session) {
     const Object regex = session.Compiled("(a)");

@@ -49,8 +49,7 @@ void* __wrap_mmap(void* address, std::size_t length, int protection, int flags, 
 
 namespace {
 
-using standin::Object;
-using standin::Value;
+using namespace standin;
 
 const std::string kDeep(60'000, 'a');
 

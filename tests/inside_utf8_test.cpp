@@ -60,7 +60,7 @@ bool SlowHasBrokenCharacters(const ByteString& bytes) {
 // Clean ASCII, or whole characters of all lengths, as far as they fit, with single bytes of the
 // interesting values: long clean runs are what the scans take in blocks.
 ByteString RandomBytes(std::mt19937& random, std::size_t length, bool ascii, int odd_bytes) {
-  constexpr const char* kCharacters[] = {"a", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"};
+  constexpr const char* kCharacters[] = {"a", "ä", "€", "😀"};
   constexpr unsigned char kOdd[] = {0x80, 0xBF, 0xC3, 0xDF, 0xE2, 0xEF, 0xF0, 0xF3,
                                     0xF4, 0xF5, 0xF7, 0xF8, 0xFD, 0xFF, 0x8F, 0x90};
   ByteString bytes;

@@ -8,13 +8,7 @@
 
 namespace {
 
-using tests::Kind;
-using tests::Object;
-using tests::OnEachHost;
-using tests::Raised;
-using tests::Session;
-using tests::Value;
-using tests::Values;
+using namespace tests;
 
 TEST(Lifecycle, TheConstructorSizesTheVector) {
   struct Row {

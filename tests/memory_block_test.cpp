@@ -11,15 +11,7 @@
 namespace {
 
 using namespace std::string_literals;
-using tests::Describe;
-using tests::DescribeDirectly;
-using tests::Kind;
-using tests::Object;
-using tests::OnEachHost;
-using tests::OutOfBounds;
-using tests::Raised;
-using tests::Session;
-using tests::Value;
+using namespace tests;
 
 constexpr const char* kNil = "NilObjectException: ";
 

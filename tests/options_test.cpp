@@ -11,9 +11,7 @@
 
 namespace {
 
-using tests::Object;
-using tests::OnEachHost;
-using tests::Session;
+using namespace tests;
 
 constexpr std::uint32_t kCompileDefault = 0x2A00;
 constexpr std::uint32_t kExecuteDefault = 0x2000;
@@ -105,15 +103,8 @@ TEST(Options, ReachTheEngine) {
     const char* subject;
   };
   constexpr Row kRows[] = {
-      {"^a+ b$", "\rAaa b\n"},
-      {"(?<n>a)(.)b*", "xa\nbb"},
-      {"\\w+\\R$", "\xC3\xA4z\r\n"},
-      {"b*", "abb"},
-      {"\\Aab", "abc"},
-      {"[]a]|(z)", "]"},
-      {"a.c$",
-       "ab\xC3\xA4"
-       "c\r\n"},
+      {"^a+ b$", "\rAaa b\n"}, {"(?<n>a)(.)b*", "xa\nbb"}, {"\\w+\\R$", "äz\r\n"}, {"b*", "abb"},
+      {"\\Aab", "abc"},        {"[]a]|(z)", "]"},          {"a.c$", "abäc\r\n"},
   };
   Session session;
   for (const Option& option : kOptions) {

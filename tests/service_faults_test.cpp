@@ -20,13 +20,7 @@ const char* __asan_default_options() { return "detect_leaks=0"; }
 namespace {
 
 using standin::Fault;
-using tests::CallRow;
-using tests::Kind;
-using tests::Object;
-using tests::Outcome;
-using tests::Session;
-using tests::Value;
-using tests::Values;
+using namespace tests;
 
 // What a row may come to.
 struct Answers {

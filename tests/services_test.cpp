@@ -8,10 +8,7 @@
 namespace {
 
 using standin::Fault;
-using tests::Object;
-using tests::Session;
-using tests::Value;
-using tests::Values;
+using namespace tests;
 
 // What the calls below use; it outlives them, so that a host that cannot lock loses nothing.
 struct Things {

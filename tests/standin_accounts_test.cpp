@@ -11,8 +11,7 @@
 
 namespace {
 
-using standin::Host;
-using standin::Object;
+using namespace standin;
 using zrk::REALstringData;
 using namespace probe;
 

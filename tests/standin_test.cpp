@@ -16,17 +16,8 @@
 
 namespace {
 
-using probe::Build;
-using probe::Joined;
-using probe::Raise;
-using probe::Service;
-using probe::String;
-using probe::Unlock;
-using standin::Host;
-using standin::Kind;
-using standin::Object;
-using standin::Value;
-using standin::Values;
+using namespace probe;
+using namespace standin;
 
 // The refusal of a wrong call, or nothing where it is not refused.
 template <typename F>
@@ -200,11 +191,11 @@ TEST(StandinText, ConvertsBetweenTheHostsEncodings) {
                         {zrk::kEncodingWindowsLatin1, "\xE4"},
                         {zrk::kEncodingUTF16, {reinterpret_cast<const char*>(utf16.data()), 2}},
                         {zrk::kEncodingUTF32, {reinterpret_cast<const char*>(utf32.data()), 4}}}) {
-    EXPECT_EQ(ConvertText(row.bytes, row.encoding, zrk::kEncodingUTF8), "\xC3\xA4");
-    EXPECT_EQ(ConvertText("\xC3\xA4", zrk::kEncodingUTF8, row.encoding), row.bytes);
+    EXPECT_EQ(ConvertText(row.bytes, row.encoding, zrk::kEncodingUTF8), "ä");
+    EXPECT_EQ(ConvertText("ä", zrk::kEncodingUTF8, row.encoding), row.bytes);
   }
   EXPECT_EQ(ConvertText("a\xFF\xC3", zrk::kEncodingUTF8, zrk::kEncodingASCII), "a??");
-  EXPECT_EQ(ConvertText("a\xE4z", zrk::kEncodingASCII, zrk::kEncodingUTF8), "a\xEF\xBF\xBDz");
+  EXPECT_EQ(ConvertText("a\xE4z", zrk::kEncodingASCII, zrk::kEncodingUTF8), "a�z");
   EXPECT_EQ(ConvertText("\xFF", zrk::kEncodingUTF8, zrk::kEncodingUTF8), "\xFF");
   EXPECT_EQ(ConvertText("a", zrk::kEncodingUnknown, zrk::kEncodingUTF8), std::nullopt);
 }

@@ -12,11 +12,7 @@
 namespace {
 
 using standin::Fault;
-using tests::Kind;
-using tests::Object;
-using tests::OnEachHost;
-using tests::Session;
-using tests::Value;
+using namespace tests;
 
 template <typename Unit>
 std::string Bytes(std::basic_string_view<Unit> text) {
@@ -29,9 +25,7 @@ struct Spelling {
   std::string bytes;
   const char* utf8;
 };
-const char* const kUmlauts =
-    "Gr\xC3\xBC\xC3\x9F"
-    "e";
+const char* const kUmlauts = "Grüße";
 const Spelling kSpellings[] = {
     {zrk::kEncodingMacRoman,
      "Gr\x9F\xA7"
@@ -59,9 +53,9 @@ const Spelling kSpellings[] = {
     {zrk::kEncodingWindowsLatin1, "Gruss", "Gruss"},
     {zrk::kEncodingUnknown, "Gruss", "Gruss"},
     // Past the basic plane, and a length that is no whole number of units.
-    {zrk::kEncodingUTF16, Bytes<char16_t>(u"\U0001F600"), "\xF0\x9F\x98\x80"},
-    {zrk::kEncodingUTF32, Bytes<char32_t>(U"\U0001F600"), "\xF0\x9F\x98\x80"},
-    {zrk::kEncodingUTF16, Bytes<char16_t>(u"ab") + "c", "ab\xEF\xBF\xBD"},
+    {zrk::kEncodingUTF16, Bytes<char16_t>(u"\U0001F600"), "😀"},
+    {zrk::kEncodingUTF32, Bytes<char32_t>(U"\U0001F600"), "😀"},
+    {zrk::kEncodingUTF16, Bytes<char16_t>(u"ab") + "c", "ab�"},
 };
 
 // The whole subject as the engine sees it.
@@ -125,8 +119,8 @@ TEST(TextIn, HostBuffersServeInPlaceWhereTheyCan) {
       {"ASCII in ISO Latin-1", zrk::kEncodingISOLatin1, "word", kNone, kNone, kNone},
       {"ASCII, unknown", zrk::kEncodingUnknown, "word", kNone, kNone, kNone},
       {"empty", zrk::kEncodingWindowsLatin1, "", kNone, kNone, kNone},
-      {"UTF-8", zrk::kEncodingUTF8, "\xC3\xBC", kNone, kNone, kRequest},
-      {"UTF-8 marked ASCII", zrk::kEncodingASCII, "\xC3\xBC", kNone, kNone, kRequest},
+      {"UTF-8", zrk::kEncodingUTF8, "ü", kNone, kNone, kRequest},
+      {"UTF-8 marked ASCII", zrk::kEncodingASCII, "ü", kNone, kNone, kRequest},
       {"Latin-1", zrk::kEncodingISOLatin1, "\xFC", kString, kRequest, kRequest},
       {"unknown", zrk::kEncodingUnknown, "\x9F", kString, kRequest, kRequest},
       {"UTF-16", zrk::kEncodingUTF16, Bytes<char16_t>(u"w"), kString, kRequest, kRequest},
@@ -186,9 +180,9 @@ TEST(TextIn, WhatCannotBeConvertedReadsAsEmpty) {
   const Row rows[] = {
       {"PluginGetStringData", zrk::kEncodingISOLatin1, "\xFC", 2012.0, 9999.0},
       {"PluginGetStringData", zrk::kEncodingUTF16, utf16, 2012.0, 9999.0},
-      {"PluginGetStringData", zrk::kEncodingUTF8, "\xC3\xBC", 2017.0, 9999.0},
+      {"PluginGetStringData", zrk::kEncodingUTF8, "ü", 2017.0, 9999.0},
       {"REALConvertString", zrk::kEncodingISOLatin1, "\xFC", 0.0, 2012.0},
-      {"REALConvertString", zrk::kEncodingUTF8, "\xC3\xBC", 0.0, 0.0},
+      {"REALConvertString", zrk::kEncodingUTF8, "ü", 0.0, 0.0},
       {"REALBuildString", zrk::kEncodingUnknown, "\x9F", 0.0, 9999.0},
       {"REALSetStringEncoding", zrk::kEncodingUnknown, "\x9F", 0.0, 9999.0},
       // Taken for a single-byte text: looked at, found not to be ASCII, converted after all.

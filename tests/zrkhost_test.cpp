@@ -20,8 +20,7 @@
 
 namespace {
 
-using standin::Kind;
-using standin::Type;
+using namespace standin;
 using testing::TempDir;
 
 struct Ran {

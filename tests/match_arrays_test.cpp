@@ -25,10 +25,9 @@ TEST(Match, AnswersForOneTextAndKeepsNone) {
       {"(", "abc", 0, false, 0, -99},
       {"((((((((((((((((((a))))))))))))))))))", "a", 0, false, 0, 0},  // more groups than pairs
   };
-  for (const auto& kind : tests::HostKinds()) {
-    Session session(kind);
+  OnEachHost([&](Session& session) {
     for (const Row& row : rows) {
-      SCOPED_TRACE(tests::NameOf(kind) + ": " + row.pattern);
+      SCOPED_TRACE(row.pattern);
       const Object regex = session.New();
       regex.Call("Compile", {row.pattern});
       regex.Set("MatchLimit", row.match_limit);
@@ -39,7 +38,7 @@ TEST(Match, AnswersForOneTextAndKeepsNone) {
       EXPECT_TRUE(regex.Get("Text").IsNil());
       EXPECT_TRUE(regex.Get("ErrorMessage").IsNil());
     }
-  }
+  });
 }
 
 TEST(Match, LeavesTheOffsetsOfATextThatIsGone) {
@@ -59,8 +58,7 @@ TEST(MatchArray, FiltersTheElementsInTheirOrder) {
     Values elements;
     const char *matching, *others;
   };
-  for (const auto& kind : tests::HostKinds()) {
-    Session session(kind);
+  OnEachHost([&](Session& session) {
     const Row rows[] = {
         {"^a", {"apple", "banana", "avocado"}, R"(["apple", "avocado"])", R"(["banana"])"},
         {"^$", {"", Value(), "x", Value()}, R"(["", "", ""])", R"(["x"])"},
@@ -70,7 +68,7 @@ TEST(MatchArray, FiltersTheElementsInTheirOrder) {
         {"(", {"apple"}, "[]", "[]"},
     };
     for (const Row& row : rows) {
-      SCOPED_TRACE(tests::NameOf(kind) + ": " + row.pattern);
+      SCOPED_TRACE(row.pattern);
       const Object regex = session.New();
       regex.Call("Compile", {row.pattern});
       const Value strings = session.host.StringArray(row.elements);
@@ -80,7 +78,7 @@ TEST(MatchArray, FiltersTheElementsInTheirOrder) {
         EXPECT_EQ(Show(regex.Call("Match", {array, true})), row.others);
       }
     }
-  }
+  });
 }
 
 TEST(MatchArray, AnswersAnEmptyArrayForANilOne) {
@@ -225,11 +223,10 @@ TEST(MatchArray, RaisesForEachElementThatIsGoneAndTakesItAsEmpty) {
       {5, 0, "OutOfBoundsException: Parameter index  is too big. Range is 0 to -1, but value is 3.",
        R"([""])"},
   };
-  for (const auto& kind : tests::HostKinds()) {
-    Session session(kind);
+  OnEachHost([&](Session& session) {
     const Object regex = session.Compiled("^$");
     for (const Row& row : rows) {
-      SCOPED_TRACE(tests::NameOf(kind) + ": " + std::to_string(row.at_call));
+      SCOPED_TRACE(std::to_string(row.at_call));
       for (Value array : {session.host.StringArray({"a", "b", "c", "d"}),
                           session.host.VariantArray({"a", "b", "c", "d"})}) {
         int calls = 0;
@@ -242,7 +239,7 @@ TEST(MatchArray, RaisesForEachElementThatIsGoneAndTakesItAsEmpty) {
         session.host.SetFault("RuntimeUBound", {});
       }
     }
-  }
+  });
 }
 
 }  // namespace

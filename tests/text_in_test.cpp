@@ -27,24 +27,12 @@ struct Spelling {
 };
 const char* const kUmlauts = "Grüße";
 const Spelling kSpellings[] = {
-    {zrk::kEncodingMacRoman,
-     "Gr\x9F\xA7"
-     "e",
-     kUmlauts},
+    {zrk::kEncodingMacRoman, "Gr\237\247e", kUmlauts},
     {zrk::kEncodingUTF16, Bytes<char16_t>(u"Gr\u00FC\u00DFe"), kUmlauts},
-    {zrk::kEncodingISOLatin1,
-     "Gr\xFC\xDF"
-     "e",
-     kUmlauts},
-    {zrk::kEncodingWindowsLatin1,
-     "Gr\xFC\xDF"
-     "e",
-     kUmlauts},
+    {zrk::kEncodingISOLatin1, "Gr\374\337e", kUmlauts},
+    {zrk::kEncodingWindowsLatin1, "Gr\374\337e", kUmlauts},
     {zrk::kEncodingASCII, "Gruss", "Gruss"},
-    {zrk::kEncodingUnknown,
-     "Gr\x9F\xA7"
-     "e",
-     kUmlauts},  // read as Mac Roman
+    {zrk::kEncodingUnknown, "Gr\237\247e", kUmlauts},  // read as Mac Roman
     {zrk::kEncodingUTF8, kUmlauts, kUmlauts},
     {zrk::kEncodingUTF32, Bytes<char32_t>(U"Gr\u00FC\u00DFe"), kUmlauts},
     // The other forms of ASCII text.

@@ -36,10 +36,9 @@ TEST(ThreadedExecute, LeavesWhatTheSynchronousMethodsLeave) {
       {"\\x{e9}", "\xF5\xC3\xA9", 0},
       {"(?-U)(a+a+)+c", "aaaaaaaaab", 0},
   };
-  for (const auto& kind : tests::HostKinds()) {
-    Session session(kind);
+  OnEachHost([&](Session& session) {
     for (const Row& row : rows) {
-      SCOPED_TRACE(tests::NameOf(kind) + ": " + row.pattern + " in " + row.subject);
+      SCOPED_TRACE(row.pattern + " in "s + row.subject);
       const Object one = session.Compiled(row.pattern);
       const Object other = session.Compiled(row.pattern);
       const Value block = session.host.MemoryBlock(row.subject);
@@ -60,7 +59,7 @@ TEST(ThreadedExecute, LeavesWhatTheSynchronousMethodsLeave) {
                   one.Call("OffsetCharacters", {1}).Integer());
       }
     }
-  }
+  });
 }
 
 TEST(ThreadedExecute, WalksTheMatchesOfOneSubject) {

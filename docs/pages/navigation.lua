@@ -1,0 +1,79 @@
+-- The pages in reading order, by group; a page is named by its path under docs/ without ".md".
+local groups = {
+  { title = "Start",
+    "help/index", "help/getting-started", "help/recipes", "help/mistakes", "help/coming-from" },
+  { title = "Guides",
+    "help/patterns", "help/text", "help/replacement-text", "help/speed", "help/limits", "help/threads" },
+  { title = "Reference",
+    "help/members", "help/object", "help/compiling", "help/compile-options", "help/searching",
+    "help/execute-options", "help/results", "help/replacing", "help/arrays", "help/constants",
+    "help/errors", "help/methods", "help/properties" },
+  { title = "About the project", "README", "safety", "benchmarks" },
+}
+
+local source_of = { ["help/members"] = "docs/pages/members.md" }
+
+local function read(page)
+  local file = io.open(source_of[page] or "docs/" .. page .. ".md")
+  local text = file and file:read("a")
+  if file then file:close() end
+  return text
+end
+
+for _, group in ipairs(groups) do
+  for i = #group, 1, -1 do
+    if not read(group[i]) then table.remove(group, i) end
+  end
+end
+
+local function title(page)
+  return assert(read(page):match("^# ([^\n]*)"), page .. " does not begin with its title")
+end
+
+-- The way from a page to another, in HTML.
+local function address(from, to)
+  local folder = from:match("^.*/") or ""
+  if to:sub(1, #folder) == folder then return to:sub(#folder + 1) .. ".html" end
+  return folder:gsub("[^/]+", "..") .. to .. ".html"
+end
+
+local function link(from, to)
+  return ('<a href="%s"%s>%s</a>'):format(address(from, to),
+    from == to and ' aria-current="page"' or "", title(to))
+end
+
+-- The groups that a page shows: what is packaged knows only itself.
+local function groups_for(page)
+  local shown = {}
+  for _, group in ipairs(groups) do
+    if not page:find("^help/") or group[1]:find("^help/") then table.insert(shown, group) end
+  end
+  return shown
+end
+
+local function lists(page)
+  local html = {}
+  for _, group in ipairs(groups_for(page)) do
+    table.insert(html, "<p>" .. group.title .. "</p>\n<ul>")
+    for _, other in ipairs(group) do table.insert(html, "<li>" .. link(page, other) .. "</li>") end
+    table.insert(html, "</ul>")
+  end
+  return table.concat(html, "\n")
+end
+
+-- Links to the pages before and behind a page of the help.
+local function turns(page)
+  local order, place = {}, nil
+  for _, group in ipairs(groups_for("help/")) do
+    for _, other in ipairs(group) do
+      table.insert(order, other)
+      if other == page then place = #order end
+    end
+  end
+  if not place then return "" end
+  local back, on = order[place - 1], order[place + 1]
+  return (back and '<span class="back">Back: ' .. link(page, back) .. "</span> " or "") ..
+         (on and '<span class="on">Next: ' .. link(page, on) .. "</span>" or "")
+end
+
+return { groups = groups, read = read, address = address, lists = lists, turns = turns }

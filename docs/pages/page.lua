@@ -1,0 +1,71 @@
+-- The pandoc filter that makes a page from a Markdown file: links lead to HTML, members that prose
+-- names to their entries, and what the template shows around the text goes into the metadata.
+--
+-- Metadata from the caller: page, the path under docs/ without ".md"; version.
+local navigation = dofile("docs/pages/navigation.lua")
+local members = dofile("docs/pages/members.lua")
+
+local page, heading, entry
+local headings = 0
+
+local function html(text) return pandoc.MetaBlocks { pandoc.RawBlock("html", text) } end
+local function text_of(inlines) return pandoc.utils.stringify(inlines) end
+
+local text_filter = {
+  traverse = "topdown",
+
+  -- The title goes above the contents.
+  Header = function(header)
+    if header.level == 1 and not heading then
+      heading = header.content
+      return {}, false
+    end
+    headings = headings + (header.level <= 3 and 1 or 0)
+    local member = header.level == 3 and members.named(text_of(header.content))
+    if member and member.page == page then header.identifier = member.name:lower() end
+    if header.level <= 3 then entry = member end
+    return header, false
+  end,
+
+  Link = function(link)
+    if not link.target:match("^%a+:") then
+      link.target = link.target:gsub("%.md$", ".html"):gsub("%.md#", ".html#")
+    end
+    return link, false
+  end,
+
+  -- An entry does not link to itself.
+  Code = function(code)
+    local member = members.named(code.text)
+    if member and member ~= entry then return pandoc.Link(code, members.address(page, member)), false end
+  end,
+
+  CodeBlock = function(block)
+    if block.classes[1] == "declaration" then block.classes = { "vb", "declaration" } end
+    return block, false
+  end,
+
+  RawBlock = function(block)
+    if block.text:find('id="members"', 1, true) then
+      return pandoc.RawBlock("html", members.index(page)), false
+    end
+  end,
+}
+
+function Pandoc(document)
+  local meta = document.meta
+  page = text_of(meta.page)
+  local blocks = document.blocks:walk(text_filter)
+  if not heading then error("docs/" .. page .. ".md has no title") end
+
+  local up = page:gsub("[^/]+/", "../"):gsub("[^/]*$", "")
+  meta.help = page:find("^help/") and "" or up .. "help/"
+  meta.heading = heading
+  meta.pagetitle = text_of(heading) .. (page == "help/index" and "" or " - RegExZRK")
+  meta.front = page == "help/index"
+  meta.long = headings >= 4
+  meta.navigation = html(navigation.lists(page))
+  meta.turns = html(navigation.turns(page))
+  meta.script = page == "help/members" and "filter.js" or nil
+  return pandoc.Pandoc(blocks, meta)
+end

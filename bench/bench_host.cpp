@@ -110,9 +110,11 @@ std::int32_t BlockSize(REALmemoryBlockStruct* block) { return block->Size; }
 
 Array* AsArray(void* handle) { return static_cast<Array*>(handle); }
 
-void* CreateArray(std::int32_t /*type*/, std::int32_t /*upper_bound*/) { return new Array; }
+_REALarrayString* CreateArray(std::int32_t /*type*/, std::int32_t /*upper_bound*/) {
+  return (new Array)->handle();
+}
 
-std::int32_t UpperBound(void* array) {
+std::int32_t UpperBound(REALobjectStruct* array) {
   return static_cast<std::int32_t>(AsArray(array)->elements.size()) - 1;
 }
 

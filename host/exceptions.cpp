@@ -10,19 +10,13 @@
 
 #include "host/references.h"
 #include "host/services.h"
+#include "host/strings.h"
 
 namespace zrk {
 
-// Messages become host strings in the room of the text adapters, which builds on this one.
-REALstringStruct* REALBuildUnicodeString(const void* bytes, std::int64_t length,
-                                         std::uint32_t encoding);
-
 void RaiseException(const char* class_name, const char* message, std::uint32_t error_number) {
-  StringReference text;
-  if (message != nullptr) {
-    const auto length = static_cast<std::int64_t>(std::strlen(message));
-    text = StringReference::Adopt(REALBuildUnicodeString(message, length, kEncodingUTF8));
-  }
+  const auto text =
+      StringReference::Adopt(BuildThenMark(message != nullptr ? message : "", kEncodingUTF8));
   auto exception = ObjectReference::Adopt(REALnewInstance(class_name));
   if (exception.get() == nullptr) {
     exception = ObjectReference::Adopt(REALnewInstance("RuntimeException"));

@@ -38,7 +38,7 @@ enum HostEncoding : std::uint32_t {
 };
 
 // An instance of any host class. Only its address means something to the library.
-struct REALobjectStruct;
+struct REALobjectStruct {};
 
 // A reference-counted, immutable host string. The text begins at Buffer + 1, is Length bytes long
 // and is followed by a zero byte.
@@ -49,17 +49,17 @@ struct REALstringStruct {
 };
 
 // A host memory block: Size bytes at Data. Read directly on hosts older than 2017.0 only.
-struct REALmemoryBlockStruct {
+struct REALmemoryBlockStruct : REALobjectStruct {
   unsigned char* Data;
   std::int32_t Size;
 };
 
 // Host arrays. Elements is null where the array has no direct storage; read directly on hosts
 // older than 2017.0 only.
-struct _REALarrayString {
+struct _REALarrayString : REALobjectStruct {
   REALstringStruct** Elements;
 };
-struct _REALarrayObject {
+struct _REALarrayObject : REALobjectStruct {
   REALobjectStruct** Elements;
 };
 
@@ -71,7 +71,7 @@ struct REALstringData {
   void* HostWords[3];
 };
 
-// Any function pointer, as a table stores it.
+// Any function pointer, as a table stores it and the host hands it out.
 using HostFunction = void (*)();
 
 // One property. A Getter or Setter of all ones makes the host read or write the field of the

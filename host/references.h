@@ -8,11 +8,8 @@
 
 namespace zrk {
 
-inline REALobjectStruct* AsObject(REALmemoryBlockStruct* block) {
-  return reinterpret_cast<REALobjectStruct*>(block);
-}
-
-// Null handles are never locked or unlocked.
+// Strings are counted by services of their own; memory blocks and arrays are objects. Null handles
+// are never locked or unlocked.
 inline void Lock(REALstringStruct* string) {
   if (string != nullptr) REALLockString(string);
 }
@@ -32,7 +29,7 @@ void Release(Handle*& field) {
   Unlock(std::exchange(field, nullptr));
 }
 
-// Holds one reference on a host string or object; may hold null.
+// Holds one reference on a host string, object, memory block or array; may hold null.
 template <typename Handle>
 class Reference {
  public:
@@ -66,6 +63,8 @@ class Reference {
 
 using StringReference = Reference<REALstringStruct>;
 using ObjectReference = Reference<REALobjectStruct>;
+using BlockReference = Reference<REALmemoryBlockStruct>;
+using StringArrayReference = Reference<_REALarrayString>;
 
 }  // namespace zrk
 

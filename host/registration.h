@@ -6,12 +6,9 @@
 
 namespace zrk {
 
-// The one class of the library. The room of the class defines it together with its tables; here it
-// is only registered. It lives, with everything it points to, until the process ends.
-extern REALclassDefinition RegExClass;
-
 // Registers the definition in the layout that the host's control version asks for; a host without
-// "PluginRegisterClass" gets no class. Changes the definition in place.
+// "PluginRegisterClass" gets no class. Changes the definition in place; it lives, with everything
+// it points to, until the process ends.
 void RegisterClass(REALclassDefinition& definition);
 
 // A newly allocated copy of the property rows in the old layout (10 of 12 words), or null when the

@@ -10,8 +10,8 @@
 #ifndef ZRK_HOST_SERVICE_LIST_H
 #define ZRK_HOST_SERVICE_LIST_H
 
-// Encodings travel as their 32-bit code. The two arrays that hold strings and objects share their
-// create and upper-bound services, which therefore take an untyped handle.
+// Encodings travel as their 32-bit code. The library creates arrays of strings only, and asks
+// arrays of either kind for their upper bound.
 // clang-format off
 #define ZRK_HOST_SERVICES(SERVICE)                                                                \
   SERVICE(REALRegisterClass, Guarded, void, (REALclassDefinition*),                               \
@@ -55,9 +55,10 @@
           "memoryBlockGetPtr", nullptr, {})                                                       \
   SERVICE(REALMemoryBlockGetSize, Guarded, std::int32_t, (REALmemoryBlockStruct*),                \
           "memoryBlockGetSize", nullptr, {})                                                      \
-  SERVICE(REALCreateArray, Guarded, void*, (std::int32_t, std::int32_t),                          \
+  SERVICE(REALCreateArray, Guarded, _REALarrayString*, (std::int32_t, std::int32_t),              \
           "RuntimeArrayCreateSingleDimBoundedArray", nullptr, {})                                 \
-  SERVICE(REALGetArrayUBound, Guarded, std::int32_t, (void*), "RuntimeUBound", nullptr, {-1})     \
+  SERVICE(REALGetArrayUBound, Guarded, std::int32_t, (REALobjectStruct*),                         \
+          "RuntimeUBound", nullptr, {-1})                                                         \
   SERVICE(REALGetArrayValueString, Retried, StringArrayGetter, (_REALarrayString*),               \
           "PluginStringArrayGetProc", "RuntimeArrayDirectGetGetProc", {})                         \
   SERVICE(REALGetArrayValueObject, Retried, ObjectArrayGetter, (_REALarrayObject*),               \

@@ -9,7 +9,6 @@
 
 #include "host/records.h"
 #include "host/service_list.h"
-#include "host/state.h"
 
 namespace zrk {
 
@@ -30,7 +29,7 @@ struct NeutralResult<void> {
 };
 
 // The host's entry of the first name it has; the second one may be null.
-void* AskHost(const char* name, const char* second_name);
+HostFunction AskHost(const char* name, const char* second_name);
 
 template <Binding kBinding, typename Signature>
 class Service;
@@ -72,12 +71,6 @@ class Service<kBinding, Result(Arguments...)> {
       name, second_name, NeutralResult<result> neutral};
 ZRK_HOST_SERVICES(ZRK_DEFINE_SERVICE)
 #undef ZRK_DEFINE_SERVICE
-
-// Looks a start-up entry up; it is called once and not remembered. Null where the host has none.
-template <typename Signature>
-Signature* FindStartupEntry(const char* name) {
-  return reinterpret_cast<Signature*>(gResolver(name));
-}
 
 }  // namespace zrk
 

@@ -1,7 +1,5 @@
 #include "host/state.h"
 
-#include "host/services.h"
-
 namespace zrk {
 
 HostResolver gResolver = nullptr;
@@ -25,21 +23,23 @@ std::int32_t ControlVersionOf(double host_version) {
   return 9;
 }
 
-}  // namespace
-
-void* AskHost(const char* name, const char* second_name) {
-  void* const found = gResolver(name);
-  return found != nullptr || second_name == nullptr ? found : gResolver(second_name);
+// An entry that is called once and not remembered; null where the host has none.
+template <typename Signature>
+Signature* FindStartupEntry(const char* name) {
+  return gResolver != nullptr ? reinterpret_cast<Signature*>(gResolver(name)) : nullptr;
 }
+
+}  // namespace
 
 void ConnectHost(HostResolver resolver) {
   gResolver = resolver;
-  if (resolver != nullptr) {
-    if (const auto get_version = FindStartupEntry<double()>("REALGetRBVersion")) {
-      rbversion = get_version();
-    }
+  if (const auto get_version = FindStartupEntry<double()>("REALGetRBVersion")) {
+    rbversion = get_version();
   }
   CurrentREALControlVersion = ControlVersionOf(rbversion);
+  if (const auto announce = FindStartupEntry<void(std::int32_t)>("RegisterPluginVersion")) {
+    announce(CurrentREALControlVersion);
+  }
 }
 
 }  // namespace zrk

@@ -4,10 +4,12 @@
 
 #include <cstdint>
 
+#include "host/records.h"
+
 namespace zrk {
 
 // Answers the address of the host entry of that name, or null where the host has none.
-using HostResolver = void* (*)(const char* name);
+using HostResolver = HostFunction (*)(const char* name);
 
 extern HostResolver gResolver;
 
@@ -24,7 +26,8 @@ inline constexpr double kHostHidesItsRecords = 2017.0;    // fields are read thr
 
 inline bool HostIsAtLeast(double version) { return rbversion >= version; }
 
-// Stores the resolver (may be null), asks for the host's version and derives the control version.
+// Stores the resolver (may be null), asks for the host's version, derives the control version and
+// announces it to the host.
 void ConnectHost(HostResolver resolver);
 
 }  // namespace zrk

@@ -11,7 +11,7 @@
 
 #include "host/exceptions.h"
 #include "host/records.h"
-#include "host/registration.h"
+#include "regex/tables.h"
 #include "text/rb_data.h"
 #include "text/rb_text.h"
 

@@ -12,9 +12,7 @@ namespace zrk {
 namespace {
 
 REALstringStruct* BuildMessage(const char* message) {
-  if (message == nullptr) return nullptr;
-  return REALBuildUnicodeString(message, static_cast<std::int64_t>(std::strlen(message)),
-                                kEncodingASCII);
+  return message != nullptr ? REALBuildUnicodeString(message, kEncodingASCII) : nullptr;
 }
 
 void ForgetPattern(RegExClassData& data) {

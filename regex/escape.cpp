@@ -27,8 +27,7 @@ std::string_view View(rbText& text) {
 }
 
 REALstringStruct* Build(const std::string& bytes) {
-  return REALBuildUnicodeString(bytes.data(), static_cast<std::int64_t>(bytes.size()),
-                                kEncodingUTF8);
+  return REALBuildUnicodeString(bytes, kEncodingUTF8);
 }
 
 // Escapes a block into a buffer with room for twice its length and answers the bytes written. Every

@@ -47,8 +47,7 @@ bool KeepMemory(RegExClassData& data, REALmemoryBlockStruct* block, HostInteger 
   data.TextPointer = adapter->data();
   data.TextLength = length >= 1 ? length : adapter->size();
   data.MemoryAdapter = adapter.release();
-  Lock(AsObject(block));
-  data.TextMemory = block;
+  data.TextMemory = BlockReference::Share(block).Take();
   return true;
 }
 

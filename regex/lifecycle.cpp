@@ -40,7 +40,7 @@ void RegExDestructor(RegExClassData& data) {
 
 void ClearText(RegExClassData& data) {
   Release(data.Text);
-  Unlock(AsObject(std::exchange(data.TextMemory, nullptr)));
+  Release(data.TextMemory);
   data.TextPointer = nullptr;
   data.TextLength = 0;
   delete std::exchange(data.TextAdapter, nullptr);

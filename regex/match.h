@@ -58,7 +58,8 @@ inline MatchResult LastMatch(const RegExClassData& data) {
 
 // The bytes as a new UTF-8 host string that the caller owns; null when there are none.
 inline REALstringStruct* BuildUTF8(Bytes bytes) {
-  return REALBuildUnicodeString(bytes.data, bytes.length, kEncodingUTF8);
+  const auto* const text = reinterpret_cast<const char*>(bytes.data);
+  return REALBuildUnicodeString({text, static_cast<std::size_t>(bytes.length)}, kEncodingUTF8);
 }
 
 }  // namespace zrk

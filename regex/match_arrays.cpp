@@ -2,6 +2,7 @@
 
 #include "host/exceptions.h"
 #include "host/services.h"
+#include "host/state.h"
 #include "regex/engine.h"
 #include "regex/execute.h"
 
@@ -66,26 +67,20 @@ class VariantElements {
 
 class ResultArray {
  public:
-  ResultArray()
-      : reference_(ObjectReference::Adopt(
-            static_cast<REALobjectStruct*>(REALCreateArray(kStringElements, -1)))) {}
+  ResultArray() : array_(StringArrayReference::Adopt(REALCreateArray(kStringElements, -1))) {}
 
   void Append(REALstringStruct* string) {
-    if (array() == nullptr) return;
-    if (insert_ == nullptr) insert_ = REALInsertArrayValueString(array());
-    if (insert_ != nullptr) insert_(array(), REALGetArrayUBound(array()) + 1, string);
+    _REALarrayString* const array = array_.get();
+    if (array == nullptr) return;
+    if (insert_ == nullptr) insert_ = REALInsertArrayValueString(array);
+    if (insert_ != nullptr) insert_(array, REALGetArrayUBound(array) + 1, string);
   }
 
   // Hands the array to the host; one that is not handed over is given back.
-  _REALarrayString* Take() { return AsArray(reference_.Take()); }
+  _REALarrayString* Take() { return array_.Take(); }
 
  private:
-  static _REALarrayString* AsArray(REALobjectStruct* object) {
-    return reinterpret_cast<_REALarrayString*>(object);
-  }
-  _REALarrayString* array() const { return AsArray(reference_.get()); }
-
-  ObjectReference reference_;
+  StringArrayReference array_;
   StringArrayInserter insert_ = nullptr;
 };
 
@@ -98,7 +93,7 @@ bool Matches(RegExClassData& data, REALstringStruct* string) {
 
 // The element, or an empty one, with the exception raised, where the array has shrunk meanwhile.
 template <typename Source>
-StringReference FetchWithin(void* array, const Source& source, std::int32_t index) {
+StringReference FetchWithin(REALobjectStruct* array, const Source& source, std::int32_t index) {
   const std::int32_t upper_bound = REALGetArrayUBound(array);
   if (!CheckIndex(index, std::int64_t{upper_bound} + 1, nullptr)) return {};
   return source(index);

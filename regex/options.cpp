@@ -1,6 +1,5 @@
 #include "regex/options.h"
 
-#include <cstring>
 #include <type_traits>
 
 #include "text/build_string.h"
@@ -59,9 +58,7 @@ ZRK_CONFIGS(ZRK_DEFINE_CONFIG)
 
 REALstringStruct* rb_pcre_version(RegExClassData& /*data*/) {
   const char* const version = pcre_version();
-  if (version == nullptr) return nullptr;
-  return REALBuildUnicodeString(version, static_cast<std::int64_t>(std::strlen(version)),
-                                kEncodingASCII);
+  return version != nullptr ? REALBuildUnicodeString(version, kEncodingASCII) : nullptr;
 }
 
 }  // namespace zrk

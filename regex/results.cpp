@@ -124,8 +124,7 @@ REALstringStruct* InfoNameEntry(RegExClassData& data, HostInteger Index) {
   for (int i = 0; i < names; ++i) {
     const NameEntry entry{table + i * entry_size};
     if (entry.number() != Index) continue;
-    const auto length = static_cast<std::int64_t>(std::strlen(entry.name()));
-    return REALBuildUnicodeString(entry.name(), length, kEncodingUTF8);
+    return REALBuildUnicodeString(entry.name(), kEncodingUTF8);
   }
   return nullptr;
 }

@@ -33,7 +33,7 @@ Host::~Host() { current = nullptr; }
 
 Host* Host::Current() { return current; }
 
-void* Host::Resolve(const char* name) {
+zrk::HostFunction Host::Resolve(const char* name) {
   Host* host = Current();
   if (!host || !name) return nullptr;
   if (!host->accounts_.OnHostThread()) {
@@ -41,7 +41,7 @@ void* Host::Resolve(const char* name) {
     return nullptr;
   }
   const int asked = ++host->requests_[name];
-  return reinterpret_cast<void*>(host->switchboard_->Resolve(name, asked));
+  return host->switchboard_->Resolve(name, asked);
 }
 
 std::vector<std::string> Host::ServiceNames() {

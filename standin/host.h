@@ -66,7 +66,7 @@ struct HostOptions {
 // std::logic_error. Everything here belongs to the thread that made it.
 class Host {
  public:
-  using Resolver = void* (*)(const char* name);
+  using Resolver = zrk::HostFunction (*)(const char* name);
   // A cooperative task: runs a step whenever the library yields; false when it is done.
   using Task = std::function<bool()>;
 
@@ -79,7 +79,7 @@ class Host {
   // The host that is alive, or null.
   static Host* Current();
   // What the entry point is given; it asks the current host.
-  static void* Resolve(const char* name);
+  static zrk::HostFunction Resolve(const char* name);
   // All names that services are looked up by.
   static std::vector<std::string> ServiceNames();
 

@@ -78,7 +78,7 @@ STANDIN_BARE_ADDRESS void StringInserter(_REALarrayString* array, std::int32_t i
 
 }  // namespace
 
-void* Services::REALCreateArray(std::int32_t type, std::int32_t upper_bound) {
+_REALarrayString* Services::REALCreateArray(std::int32_t type, std::int32_t upper_bound) {
   if (type != kStringElements || upper_bound < -1) {
     TheAccounts().Report("was asked for an array of type " + std::to_string(type) + " up to " +
                          std::to_string(upper_bound));
@@ -87,10 +87,11 @@ void* Services::REALCreateArray(std::int32_t type, std::int32_t upper_bound) {
   auto array =
       std::make_unique<HostArray>(Kind::kStringArray, Host::Current()->options().direct_storage);
   array->Resize(static_cast<std::size_t>(upper_bound) + 1);
-  return TheAccounts().Open(std::move(array), Side::kLibrary)->handle();
+  return static_cast<_REALarrayString*>(
+      TheAccounts().Open(std::move(array), Side::kLibrary)->handle());
 }
 
-std::int32_t Services::REALGetArrayUBound(void* array) {
+std::int32_t Services::REALGetArrayUBound(REALobjectStruct* array) {
   const HostArray* found = FindArray(array);
   return found ? static_cast<std::int32_t>(found->size()) - 1 : -1;
 }

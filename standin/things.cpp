@@ -112,10 +112,15 @@ HostStringData::HostStringData(std::string_view bytes, bool terminated)
 HostMemoryBlock::HostMemoryBlock(std::string_view bytes, std::int32_t size, bool with_data)
     : Thing(Kind::kMemoryBlock), real_size_(bytes.size()) {
   if (with_data) data_ = CopyBytes(bytes, 0, false, 0);
-  record = {data_.get(), size};
+  Show(data_.get(), size);
 }
 
 HostMemoryBlock::~HostMemoryBlock() { Allow(&record, sizeof record); }
+
+void HostMemoryBlock::Show(unsigned char* data, std::int32_t size) {
+  record.Data = data;
+  record.Size = size;
+}
 
 std::string_view HostMemoryBlock::bytes() const {
   return {reinterpret_cast<const char*>(data_.get()), data_ ? real_size_ : 0};
@@ -126,12 +131,12 @@ void HostMemoryBlock::Resize(std::size_t size) {
   resized.resize(size);
   data_ = CopyBytes(resized, 0, false, 0);
   real_size_ = size;
-  record = {data_.get(), static_cast<std::int32_t>(size)};
+  Show(data_.get(), static_cast<std::int32_t>(size));
 }
 
 void HostMemoryBlock::End() {
   data_.reset();
-  record = {nullptr, 0};
+  Show(nullptr, 0);
   Forbid(&record, sizeof record);
 }
 

@@ -82,6 +82,7 @@ class HostMemoryBlock : public Thing {
 
  private:
   void End() override;
+  void Show(unsigned char* data, std::int32_t size);
   Bytes data_;
   std::size_t real_size_;
 };

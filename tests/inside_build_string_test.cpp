@@ -44,8 +44,7 @@ std::string Bytes(std::basic_string_view<Unit> text) {
 }
 
 std::string Build(const std::string& bytes, std::uint32_t encoding) {
-  const auto length = static_cast<std::int64_t>(bytes.size());
-  return Show(zrk::REALBuildUnicodeString(bytes.data(), length, encoding));
+  return Show(zrk::REALBuildUnicodeString(bytes, encoding));
 }
 
 constexpr double kVersions[] = {0.0, 2011.0, 2012.0, 2012.9, 2013.0, 2017.0};
@@ -78,10 +77,8 @@ TEST(BuildString, MarksOrConvertsByEncoding) {
     for (const Row& row : rows) {
       EXPECT_EQ(Build(row.bytes, row.encoding), row.expected);
       EXPECT_EQ(Build("", row.encoding), "null");
-      for (const std::int64_t length : {std::int64_t{-1}, std::int64_t{0x80000000}}) {
-        EXPECT_EQ(zrk::REALBuildUnicodeString("abc", length, row.encoding), nullptr);
-      }
-      EXPECT_EQ(zrk::REALBuildUnicodeString(nullptr, 3, row.encoding), nullptr);
+      EXPECT_EQ(zrk::REALBuildUnicodeString({"abc", 0x80000000}, row.encoding), nullptr);
+      EXPECT_EQ(zrk::REALBuildUnicodeString({}, row.encoding), nullptr);
     }
   }
 }
@@ -103,8 +100,8 @@ TEST(BuildString, ConvertsUTF32ByHand) {
       EXPECT_EQ(Build(Bytes<char32_t>(std::u32string(count, U'\U0001F600')), zrk::kEncodingUTF32),
                 expected);
     }
-    const char32_t one = U'a';  // a longer text would make more UTF-16 than a host string holds
-    EXPECT_EQ(zrk::REALBuildUnicodeString(&one, INT32_MAX, zrk::kEncodingUTF32), nullptr);
+    // A longer text would make more UTF-16 than a host string holds.
+    EXPECT_EQ(zrk::REALBuildUnicodeString({"a", INT32_MAX}, zrk::kEncodingUTF32), nullptr);
   }
 }
 

@@ -25,7 +25,7 @@ BlockBytes ReadBlock(REALmemoryBlockStruct* block) {
 
 rbData::rbData(REALmemoryBlockStruct* block, std::uint32_t /*offset*/,
                std::uint32_t /*length*/) noexcept
-    : SourceBlock(ObjectReference::Share(AsObject(block))) {
+    : SourceBlock(BlockReference::Share(block)) {
   if (block == nullptr) return;
   const BlockBytes bytes = ReadBlock(block);
   BlockData = bytes.data;
@@ -35,7 +35,7 @@ rbData::rbData(REALmemoryBlockStruct* block, std::uint32_t /*offset*/,
 rbData::~rbData() = default;
 
 bool rbData::IsUnchanged() const {
-  const BlockBytes bytes = ReadBlock(block());
+  const BlockBytes bytes = ReadBlock(SourceBlock.get());
   return bytes.data == BlockData && bytes.size == BlockSize;
 }
 

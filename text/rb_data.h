@@ -33,11 +33,7 @@ class rbData {
   SubjectNotes& notes() { return Notes; }
 
  private:
-  REALmemoryBlockStruct* block() const {
-    return reinterpret_cast<REALmemoryBlockStruct*>(SourceBlock.get());
-  }
-
-  ObjectReference SourceBlock;
+  BlockReference SourceBlock;
   const unsigned char* BlockData = nullptr;
   std::int32_t BlockSize = 0;
 

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "host/services.h"
@@ -20,6 +21,9 @@ constexpr unsigned char EmptyBuffer[4] = {};
 constexpr std::int64_t kTerminatorBytes = 4;
 
 const unsigned char* TextOf(const REALstringStruct* string) { return string->Buffer + 1; }
+std::string_view BytesOf(const REALstringStruct* string) {
+  return {reinterpret_cast<const char*>(TextOf(string)), static_cast<std::size_t>(string->Length)};
+}
 
 bool FitsWithTerminator(std::int64_t length) {
   return length + kTerminatorBytes >= 1 && length + kTerminatorBytes <= INT32_MAX;
@@ -56,10 +60,9 @@ void rbText::ReadSource() {
 void rbText::ReadUnknownEncoding() {
   if (!SourceIsASCII()) {
     const REALstringStruct* source = SourceString.get();
-    REALstringStruct* rebuilt =
-        FitsWithTerminator(source->Length)
-            ? REALBuildUnicodeString(TextOf(source), source->Length, kEncodingMacRoman)
-            : nullptr;
+    REALstringStruct* rebuilt = FitsWithTerminator(source->Length)
+                                    ? REALBuildUnicodeString(BytesOf(source), kEncodingMacRoman)
+                                    : nullptr;
     if (rebuilt == nullptr) {
       ConversionFailed = true;
       return;

@@ -4,6 +4,7 @@
 #define ZRK_TEXT_UTF8_H
 
 #include <cstddef>
+#include <string_view>
 #include <vector>
 
 namespace zrk {
@@ -19,6 +20,9 @@ constexpr int SequenceLength(unsigned char lead) {
 
 // Whether every byte is below 0x80.
 bool IsASCII(const unsigned char* bytes, std::size_t length);
+inline bool IsASCII(std::string_view bytes) {
+  return IsASCII(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+}
 
 // A walk over characters: `position` is where the next character begins, `characters` how many were
 // passed.

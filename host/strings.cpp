@@ -1,0 +1,14 @@
+#include "host/strings.h"
+
+#include "host/services.h"
+
+namespace zrk {
+
+REALstringStruct* BuildThenMark(std::string_view bytes, std::uint32_t encoding) {
+  if (bytes.empty() || bytes.size() > INT32_MAX) return nullptr;
+  REALstringStruct* const string = originalREALBuildString(bytes.data(), LengthOf(bytes));
+  if (string != nullptr) REALSetStringEncoding(string, encoding);
+  return string;
+}
+
+}  // namespace zrk

@@ -8,7 +8,7 @@ SHELL := /bin/bash
 
 MEMCHECKED = unsafe_bytes inside_utf8 memory_block execute results text_in replace
 
-.PHONY: help demo test test-32 sanitize memcheck fuzz bench bench-check coverage docs package format check clean
+.PHONY: help demo test test-32 sanitize memcheck fuzz bench bench-check coverage pictures docs package format check clean
 .DEFAULT_GOAL := help
 .NOTPARALLEL:
 
@@ -67,6 +67,11 @@ coverage:  ## lines and branches that the tests reach, by room, with an HTML rep
 	@tools/setup build clang
 	$(call build,coverage)
 	@tools/report-coverage
+
+pictures:  ## draw the pictures of the help pages anew
+	@tools/setup build
+	@$(call build,dev,ZRKRegEx zrkhost)
+	@build/dev/zrkhost docs/pictures/draw.lua
 
 docs:  ## the documentation as HTML, in build/docs
 	@tools/setup build docs

@@ -272,7 +272,8 @@ void Array::Append(REALstringStruct* string) {
 
 void Unlock(_REALarrayString* array) { delete AsArray(array); }
 
-MemoryBlock::MemoryBlock(const String& bytes) : record{{}, bytes.get()->Buffer + 1, bytes.length()} {}
+MemoryBlock::MemoryBlock(const String& bytes)
+    : record{{}, bytes.get()->Buffer + 1, bytes.length()} {}
 
 RegEx::RegEx(const char* pattern, int compile_options)
     : object_(static_cast<REALobjectStruct*>(

@@ -116,9 +116,6 @@ TEST(Registration, TheWordsAreAsDescribedInBothLayouts) {
     for (const std::size_t zero : kZeroWords) {
       EXPECT_EQ(words[zero], 0) << "word " << zero + 1;
     }
-    EXPECT_EQ(words[8], 55);
-    EXPECT_EQ(words[10], 34);
-    EXPECT_EQ(words[19], 26);
     EXPECT_EQ(words[20], 4) << "class flags";
     EXPECT_EQ(DescribeTables(words, version < 2012.0), expected);
   }

@@ -1,6 +1,7 @@
 // How the library finds its host's services.
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 
 #include "tests/session.h"
@@ -65,34 +66,35 @@ TEST(Services, AreAskedForOnceWhereTheHostHasThem) {
   }
 }
 
+struct GuardedRow {
+  const char* service;
+  double host = 2017.0;
+  const char* also_missing = nullptr;
+};
+constexpr GuardedRow kGuarded[] = {
+    {"PluginNewInstance"},
+    {"RuntimeRaiseException"},
+    {"REALLockObject"},
+    {"REALUnlockObject"},
+    {"REALLockString"},
+    {"REALUnlockString"},
+    {"REALGetStringEncoding"},
+    {"REALConvertString", 2011.0},
+    {"REALSetStringEncoding"},
+    {"PluginGetStringData"},
+    {"PluginDisposeStringData"},
+    {"REALBuildString"},
+    {"memoryBlockGetPtr"},
+    {"memoryBlockGetSize"},
+    {"RuntimeArrayCreateSingleDimBoundedArray"},
+    {"RuntimeUBound"},
+    {"REALYieldToRB"},
+    {"REALGetPropValueString", 2017.0, "VariantToString"},
+};
+
 // Some services are asked for once for ever: one that is missing on first use stays missing.
 TEST(Services, GuardedOnesStayMissing) {
-  struct Row {
-    const char* service;
-    double host = 2017.0;
-    const char* also_missing = nullptr;
-  };
-  const Row rows[] = {
-      {"PluginNewInstance"},
-      {"RuntimeRaiseException"},
-      {"REALLockObject"},
-      {"REALUnlockObject"},
-      {"REALLockString"},
-      {"REALUnlockString"},
-      {"REALGetStringEncoding"},
-      {"REALConvertString", 2011.0},
-      {"REALSetStringEncoding"},
-      {"PluginGetStringData"},
-      {"PluginDisposeStringData"},
-      {"REALBuildString"},
-      {"memoryBlockGetPtr"},
-      {"memoryBlockGetSize"},
-      {"RuntimeArrayCreateSingleDimBoundedArray"},
-      {"RuntimeUBound"},
-      {"REALYieldToRB"},
-      {"REALGetPropValueString", 2017.0, "VariantToString"},
-  };
-  for (const Row& row : rows) {
+  for (const GuardedRow& row : kGuarded) {
     SCOPED_TRACE(row.service);
     standin::HostOptions options{.version = row.host};
     options.faults[row.service] = Fault::MissingUntilAsked(1);
@@ -117,6 +119,20 @@ constexpr RetriedRow kRetried[] = {
     {"PluginObjectArrayGetProc", "RuntimeArrayDirectGetGetProc"},
     {"PluginStringArrayInsertProc", "RuntimeArrayDirectGetInsertProc"},
 };
+
+// Three are asked for before a program runs, and no method builds from UTF-16 or UTF-32.
+TEST(Services, AreAllListedAbove) {
+  std::set<std::string> listed = {"REALGetRBVersion", "RegisterPluginVersion",
+                                  "PluginRegisterClass", "REALBuildStringWithEncoding"};
+  for (const GuardedRow& row : kGuarded) listed.insert(row.service);
+  for (const RetriedRow& row : kRetried) {
+    listed.insert(row.first);
+    if (row.second != nullptr) listed.insert(row.second);
+  }
+  for (const std::string& name : standin::Host::ServiceNames()) {
+    EXPECT_TRUE(listed.contains(name)) << "no row above for " << name;
+  }
+}
 
 TEST(Services, RetriedOnesAreFoundWhenTheyComeLater) {
   for (const RetriedRow& row : kRetried) {

@@ -32,6 +32,7 @@ test:  ## build and run every test
 test-32:  ## the same as 32-bit code, the host's own interface
 	@tools/setup build m32
 	@tools/fetch-i386
+	@tools/fetch-engine
 	$(call build,m32)
 	ctest --preset m32 -j $(JOBS)
 
@@ -80,6 +81,7 @@ docs:  ## the documentation as HTML, in build/docs
 package: docs  ## build/package/ZRKRegEx.xojo_plugin, and a check of it
 	@tools/setup build m32 package
 	@tools/fetch-i386
+	@tools/fetch-engine
 	$(call build,m32,ZRKRegEx zrkhost)
 	@packaging/make-package build/m32/libZRKRegEx.so build/docs/help build/package
 	@packaging/check-package build/package/ZRKRegEx.xojo_plugin build/m32/zrkhost

@@ -2,7 +2,8 @@
 // it makes no more. The object stays usable each time, and nothing is lost.
 //
 // This program replaces the allocator. Only what the library or the engine asks for may fail, which
-// the address of the caller tells; the stand-in host always gets its memory.
+// the address of the caller tells; the stand-in host always gets its memory. A library with the C++
+// runtime and the engine inside asks for all of it by malloc and calloc.
 #include <gtest/gtest.h>
 #include <link.h>
 #include <pcre.h>
@@ -19,7 +20,9 @@
 #include "tests/calls.h"
 
 // Where a sanitizer has an allocator of its own, that one is meant.
+extern "C" [[gnu::weak]] void* __interceptor_malloc(std::size_t size);
 extern "C" [[gnu::weak]] void* __interceptor_calloc(std::size_t count, std::size_t size);
+extern "C" void* __libc_malloc(std::size_t size);
 extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
 
 namespace {
@@ -71,6 +74,10 @@ void* Allocate(std::size_t size) { return std::malloc(size > 0 ? size : 1); }
 [[gnu::noinline]] void operator delete[](void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
+extern "C" void* malloc(std::size_t size) {
+  if (allocations.FailsFor(__builtin_return_address(0))) return nullptr;
+  return __interceptor_malloc != nullptr ? __interceptor_malloc(size) : __libc_malloc(size);
+}
 extern "C" void* calloc(std::size_t count, std::size_t size) {
   if (allocations.FailsFor(__builtin_return_address(0))) return nullptr;
   return __interceptor_calloc != nullptr ? __interceptor_calloc(count, size)

@@ -1,5 +1,6 @@
 // Questions that the engine refuses to answer. It has no reason to, so this program stands in front
-// of it: the functions below are found by the library in the engine's place.
+// of it: the functions below are found by the library in the engine's place. That takes a library
+// with the engine outside.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <pcre.h>
@@ -51,7 +52,7 @@ extern "C" {
 namespace {
 
 TEST(EngineFaults, ALockedNameTableGivesNoNames) {
-  Session session;
+  Session session({}, ZRK_LIBRARY_WITH_SYSTEM_ENGINE);
   const Object regex = session.Compiled("(?<first>a)");
   EXPECT_EQ(regex.Call("InfoNameEntry", {1}).UTF8(), "first");
   for (const int item : {PCRE_INFO_CAPTURECOUNT, PCRE_INFO_NAMECOUNT, PCRE_INFO_NAMEENTRYSIZE,
@@ -64,7 +65,7 @@ TEST(EngineFaults, ALockedNameTableGivesNoNames) {
 }
 
 TEST(EngineFaults, ARefusedInfoIsZeroWithTheCode) {
-  Session session;
+  Session session({}, ZRK_LIBRARY_WITH_SYSTEM_ENGINE);
   const Object regex = session.Compiled("(a)(b)");
   EXPECT_EQ(regex.Get("InfoCaptureCount").Integer(), 2);
   refused_info = PCRE_INFO_CAPTURECOUNT;
@@ -74,7 +75,7 @@ TEST(EngineFaults, ARefusedInfoIsZeroWithTheCode) {
 }
 
 TEST(EngineFaults, AnEngineMayHaveNoVersion) {
-  Session session;
+  Session session({}, ZRK_LIBRARY_WITH_SYSTEM_ENGINE);
   const Object regex = session.New();
   EXPECT_FALSE(regex.Call("Version").IsNil());
   has_version = false;
@@ -84,7 +85,7 @@ TEST(EngineFaults, AnEngineMayHaveNoVersion) {
 
 // The message is the engine's, and the study block that was there is gone.
 TEST(EngineFaults, AFailedStudySaysWhy) {
-  Session session;
+  Session session({}, ZRK_LIBRARY_WITH_SYSTEM_ENGINE);
   const Object regex = session.Compiled("abc|def");
   ASSERT_TRUE(regex.Call("Study").Boolean());
   studies = false;

@@ -7,8 +7,8 @@
 
 namespace tests {
 
-Session::Session(standin::HostOptions options)
-    : host(std::move(options)), library(ZRK_LIBRARY_PATH, standin::Library::Copy::kPrivate) {
+Session::Session(standin::HostOptions options, const char* library_path)
+    : host(std::move(options)), library(library_path, standin::Library::Copy::kPrivate) {
   library.Start(host);
 }
 

@@ -26,7 +26,7 @@ using standin::Values;
 // in it end before it does. One session at a time.
 class Session {
  public:
-  explicit Session(standin::HostOptions options = {});
+  explicit Session(standin::HostOptions options = {}, const char* library_path = ZRK_LIBRARY_PATH);
   ~Session();  // fails the test for whatever the accounts hold against the library
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;

@@ -8,7 +8,7 @@ SHELL := /bin/bash
 
 MEMCHECKED = unsafe_bytes inside_utf8 memory_block execute results text_in replace
 
-.PHONY: help demo test test-32 sanitize memcheck fuzz bench bench-check coverage pictures docs package format check clean
+.PHONY: help demo test test-32 sanitize memcheck fuzz bench bench-check coverage pictures docs test-pages package format check clean
 .DEFAULT_GOAL := help
 .NOTPARALLEL:
 
@@ -77,6 +77,10 @@ pictures:  ## draw the pictures of the help pages anew
 docs:  ## the documentation as HTML, in build/docs
 	@tools/setup build docs
 	@tools/build-docs
+
+test-pages: docs  ## look at every page of the documentation in a real browser
+	@tools/setup pages
+	node tests/pages/pages_test.js build/docs
 
 package: docs  ## build/package/ZRKRegEx.xojo_plugin, and a check of it
 	@tools/setup build m32 package

@@ -10,6 +10,7 @@
 
 #include "host/records.h"
 #include "standin/encoding.h"
+#include "standin/zrkhost/describe.h"
 #include "standin/zrkhost/lua_boundary.h"
 #include "standin/zrkhost/lua_tasks.h"
 #include "standin/zrkhost/lua_values.h"
@@ -38,6 +39,19 @@ std::uint32_t EncodingOf(const std::string& name) {
 int MakeString(lua_State* L) {
   const std::uint32_t encoding = EncodingOf(luaL_optstring(L, 2, "UTF-8"));
   PushHandle(L, Host::Current()->String(CheckText(L, 1), encoding));
+  return 1;
+}
+
+int ConvertString(lua_State* L) {
+  const std::uint32_t from = EncodingOf(luaL_checkstring(L, 2));
+  const auto converted = ConvertText(CheckText(L, 1), from, EncodingOf(luaL_checkstring(L, 3)));
+  if (!converted) throw CallError("nothing converts from or to an unknown encoding");
+  lua_pushlstring(L, converted->data(), converted->size());
+  return 1;
+}
+
+int DescribeClasses(lua_State* L) {
+  lua_pushstring(L, Describe(*Host::Current(), Format::kText).c_str());
   return 1;
 }
 
@@ -87,6 +101,8 @@ int IsTerminal(lua_State* L) {
 }
 
 constexpr luaL_Reg kFunctions[] = {{"string", Entry<MakeString>},
+                                   {"convert", Entry<ConvertString>},
+                                   {"describe", Entry<DescribeClasses>},
                                    {"memoryblock", Entry<MakeMemoryBlock>},
                                    {"stringarray", Entry<MakeStringArray>},
                                    {"variantarray", Entry<MakeVariantArray>},

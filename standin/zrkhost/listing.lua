@@ -1,0 +1,63 @@
+-- Runs a listing in the host's language: zrkhost listing.lua FILE.xojo_code
+--
+-- The listing is translated to Lua, statement by statement, with the types that its declarations give
+-- to names; what the translator does not know, and what the host's compiler would refuse, is refused
+-- with the line it stands in. The help's listings are held to what they show by this.
+local here = arg[0]:match "^(.*/)" or "./"
+package.path = here .. "?.lua;" .. package.path
+
+local function stop(message, ...)
+  io.stdout:flush()
+  io.stderr:write(message:format(...), "\n")
+  os.exit(1)
+end
+
+if not pcall(require, "lpeg") then stop("listings need LPeg for Lua 5.4 (on Debian: lua-lpeg), which is not installed") end
+local grammar = require "listing.grammar"
+local library = require "listing.library"
+local statements = require "listing.statements"
+
+local function read(name)
+  local file = name == "-" and io.stdin or name and io.open(name, "rb")
+  if not file then stop("listing: cannot read %s", name or "nothing: name a file") end
+  return file:read "a"
+end
+
+local function translate(name, source)
+  local lines = grammar.lines(source)
+  for _, entry in ipairs(lines) do
+    local statement, reached = grammar.statement(entry.text)
+    if not statement then
+      local rest = entry.text:sub(reached)
+      stop("%s:%d: %s", name, entry.line, rest == "" and "the line ends too early" or "not understood from here: " .. rest)
+    end
+    entry.statement = statement
+  end
+  local done, routines, main = pcall(statements.write, lines, library.by_name)
+  if done then return routines, main end
+  if type(routines) ~= "table" then error(routines, 0) end
+  stop("%s:%d: %s", name, routines.line, routines.problem)
+end
+
+local name = arg[1]
+local routines, main = translate(name, read(name))
+if arg[2] == "--lua" then
+  io.write(routines, "\n", main, "\n")
+  return
+end
+
+local L, F = library.functions, {}
+L.source = "=" .. name
+local function run(code) assert(load("local L, F = ... " .. code, L.source))(L, F) end
+local done, failure = xpcall(function()
+  run(routines)
+  run(main)
+end, function(failure)
+  if type(failure) == "table" then return L.note_place(failure) end
+  return debug.traceback(failure, 2)
+end)
+if not done and type(failure) == "table" then
+  stop("%s:%s: unhandled %s%s", name, failure.line or "?", failure.class, failure.message ~= "" and ": " .. failure.message or "")
+elseif not done then
+  stop("%s", failure)
+end

@@ -2,7 +2,7 @@
 //
 //   host.string(bytes [, encoding])   a host string of an encoding such as "Windows Latin-1"
 //   host.convert(bytes, from, to)     the bytes of a text in another encoding
-//   host.describe()                   the loaded classes with their members, as --describe prints them
+//   host.describe()                   the loaded classes, as --describe prints them
 //   host.memoryblock(bytes)           a memory block
 //   host.stringarray(table), host.variantarray(table)
 //   host.null(type)                   a nil of a type such as "string()", to choose an overload

@@ -27,11 +27,12 @@ local function named(code)
   return by_name[code:gsub("^RegExZRK%.", ""):gsub("%b()$", "")]
 end
 
--- The sentence that an entry opens with; empty where something other than a sentence stands there.
+-- The sentence that an entry opens with, links as plain words; empty where no sentence stands there.
 local function first_sentence(markdown)
   if not markdown:find("^[%w`\"*]") then return "" end
-  local sentence = markdown:match("^(.-[.:])%s") or markdown
-  return pandoc.write(pandoc.read(sentence, "gfm"), "html"):gsub("</?p>", "")
+  local sentence = (markdown:match("^(.-[.:])%s") or markdown):gsub(":$", ".")
+  local read = pandoc.read(sentence, "gfm"):walk { Link = function(link) return link.content end }
+  return pandoc.write(read, "html"):gsub("</?p>", "")
 end
 
 -- All members, each with its declarations, as an HTML list.
@@ -40,7 +41,7 @@ local function index(page)
   for _, member in ipairs(members) do
     local link = ('<a href="%s">%s</a>'):format(address(page, member), member.name)
     local declared = member.declarations:gsub("%f[^\n\0]%w+", link):gsub("\n", "<br>\n")
-    table.insert(html, ("<li><code>%s</code> %s</li>"):format(declared, first_sentence(member.opening)))
+    table.insert(html, ('<li><code class="declared">%s</code> %s</li>'):format(declared, first_sentence(member.opening)))
   end
   table.insert(html, "</ul>")
   return table.concat(html, "\n")

@@ -27,7 +27,10 @@ local text_filter = {
     return header, false
   end,
 
+  -- What is not made into pages, such as the change log, is not led to.
   Link = function(link)
+    local up, below = select(2, link.target:gsub("%.%./", "")), select(2, page:gsub("/", ""))
+    if up > below then return link.content, false end
     if not link.target:match("^%a+:") then
       link.target = link.target:gsub("%.md$", ".html"):gsub("%.md#", ".html#")
     end

@@ -17,7 +17,7 @@ views.push({ width: 800, scheme: 'dark', media: 'print' }, { width: 360, scheme:
 
 // What is typed into the filter box, and what of the list is left.
 const filters = [
-  { typed: 'executememory', left: (names) => names.join() === 'ExecuteMemory,ExecuteMemoryMT' },
+  { typed: 'executememory', left: (names) => names.includes('ExecuteMemoryMT') && names.length < 9 },
   { typed: 'MemoryBlock COMPILE', left: (names) => names.includes('CompileMemory') && names.length < 9 },
   { typed: 'no such member', left: (names) => names.length === 0 },
   { typed: '', left: (names) => names.length > 100 },

@@ -7,7 +7,7 @@ local groups = {
   { title = "Reference",
     "help/members", "help/object", "help/compiling", "help/compile-options", "help/searching",
     "help/execute-options", "help/results", "help/replacing", "help/arrays", "help/constants",
-    "help/errors", "help/methods", "help/properties" },
+    "help/errors" },
   { title = "About the project", "README", "safety", "benchmarks" },
 }
 

@@ -129,6 +129,8 @@ class Accounts {
   // The same for the method that the host has called.
   const char* EnterMethod(const char* method);
   void ResumeMethod(const char* method) { method_ = method; }
+  // The method under way, or "".
+  const char* method() const { return method_; }
 
   // False on every thread but the one that made the accounts.
   bool OnHostThread() const { return std::this_thread::get_id() == thread_; }

@@ -83,7 +83,8 @@ zrk::HostFunction Switchboard::Resolve(std::string_view name, int asked) const {
 const Fault* Switchboard::FindFault(const char* name) const {
   if (!name) return nullptr;
   const auto& faults = host_.options().faults;
-  const auto found = faults.find(name);
+  const auto found = std::ranges::find_if(
+      faults, [name](const auto& fault) { return SameName(fault.first, name); });
   return found == faults.end() ? nullptr : &found->second;
 }
 
@@ -91,12 +92,17 @@ void Switchboard::Refresh(std::string_view service) {
   bool known = false;
   for (std::size_t i = 0; i < lines_.size(); ++i) {
     const Row& row = Rows()[i];
-    if (!row.Has(service)) continue;
+    const bool meant =
+        SameName(service, row.first) || (row.second && SameName(service, row.second));
+    if (!meant) continue;
     known = true;
     lines_[i].faults = {FindFault(row.first), FindFault(row.second)};
     lines_[i].calls_before_faults = lines_[i].calls;
   }
-  if (!known) throw std::invalid_argument("\"" + std::string(service) + "\" is no service");
+  if (known) return;
+  std::string text = "\"" + std::string(service) + "\" is no service; there are:";
+  for (const std::string& name : Host::ServiceNames()) text += "\n  " + name;
+  throw std::invalid_argument(text);
 }
 
 bool Switchboard::Admit(std::size_t row) {

@@ -84,7 +84,8 @@ void Check(const Case& row, const Ran& ran) {
 TEST(ZRKHost, AnswersCommandLines) {
   const Case cases[] = {
       {"--help", 0, "--without SERVICE"},
-      {"--version", 0, "Lua 5.4"},
+      {"--version", 0, "zrkhost 1.0.0, Lua 5.4"},
+      {"-v", 0, "RegExZRK, engine 8."},
       {"--host=2011 -e 'print(host.version)'", 0, "2011.0\n"},
       {"--host none -e 'print(host.version)'", 0, "nil\n"},
       {"-e 'a = 1' -e 'print(a + 1)'", 0, "2\n"},
@@ -102,7 +103,6 @@ TEST(ZRKHost, RefusesWithOneLineWhatItCannotStart) {
       {"-e", 2, "\"-e\" needs an argument"},
       {"--host=young", 2, "not \"young\""},
       {"--describe=xml", 2, "text, markdown and json"},
-      {"--without Nothing", 2, "\"Nothing\" is no service"},
       {"--library /nowhere.so", 2, "/nowhere.so: no such file"},
       {"--library " __FILE__, 2, "cannot be loaded"},
       {"--library " + LibraryThatIsNoPlugin(), 2, "no plugin"},
@@ -115,13 +115,29 @@ TEST(ZRKHost, RefusesWithOneLineWhatItCannotStart) {
   }
 }
 
+TEST(ZRKHost, FindsServicesInAnyCaseOrListsThem) {
+  Check({"", 2, "\"Nothing\" is no service; there are:\n  PluginDisposeStringData\n"},
+        ZRKHost("--without Nothing"));
+  Check({"", 3, "was never given back"},
+        Lua("RegExZRK():Compile('abc')", "--without realunlockSTRING"));
+}
+
+TEST(ZRKHost, SaysWhenItsOutputCannotBeWritten) {
+  for (const char* command :
+       {"--help", "-v", "--describe", "-e 'print(1)'", "-e 'print(1) os.exit()'"}) {
+    Check({command, 1, "zrkhost: not all output could be written"},
+          ZRKHost(std::string(command) + " 2>&1 >/dev/full"));
+  }
+}
+
 TEST(ZRKHost, ExitsAsTheProgramWent) {
   const Case cases[] = {
       {"return", 0, ""},
       {"local function f() error('ouch') end f()", 1, "1: ouch\nstack traceback:"},
       {"if", 1, "near <eof>"},
       {"RegExZRK():Offset(0, 1)", 1, "Offset(integer, integer) fits no declaration"},
-      {"RegExZRK():Offset(-1)", 1, "zrkhost: OutOfBoundsException: Parameter index"},
+      {"RegExZRK():Offset(-1)", 1,
+       "zrkhost: (command line):1: OutOfBoundsException: Parameter index"},
       {"os.exit(5)", 5, ""},
       {"os.exit(true)", 0, ""},
       {"os.exit(false)", 1, ""},
@@ -227,7 +243,8 @@ TEST(ZRKHost, NamesTheDeclarationsAfterAWrongCall) {
       {"re:Compiel('a')", 1,
        "no \"Compiel\"; it has:\n  Compile(pattern as string) as boolean\nst"},
       {"re.MatchLimits = 1", 1, "no \"MatchLimits\"; it has:\n  MatchLimit as Integer"},
-      {"re:Frobnicate()", 1, "\n  Version as string\n"},
+      {"re:Frobnicate()", 1,
+       "\n  Unescape(text as string) as string\n  InfoStudySize as Integer\n"},
       {"re:Compile(1)", 1, "Compile(integer) fits no declaration: Compile(pattern as string)"},
       {"re:Execute({})", 1, "Execute(start as integer = 0) as integer; Execute(text as string,"},
       {"re:Match(nil)", 1, "Match(nil) fits more than one declaration"},
@@ -321,7 +338,7 @@ TEST(ZRKHost, Prompts) {
     EXPECT_NE(ran.output.find(said), std::string::npos) << said << " in " << ran.output;
   }
   EXPECT_EQ(ran.status, 0);
-  std::ifstream history(home + "/.zrkhost_history");
+  std::ifstream history(home + "/.local/state/zrkhost/history");
   const std::string kept((std::istreambuf_iterator<char>(history)), {});
   EXPECT_NE(kept.find("re=RegExZRK()"), std::string::npos) << kept;
   std::filesystem::remove_all(home);

@@ -16,11 +16,13 @@ void SetText(lua_State* L, const char* field, const std::string& text) {
 }
 
 void PushHostError(lua_State* L, const HostError& error) {
-  lua_createtable(L, 0, 3);
+  lua_createtable(L, 0, 4);
   SetText(L, "class", error.class_name);
   SetText(L, "message", error.message);
   lua_pushinteger(L, error.number);
   lua_setfield(L, -2, "number");
+  luaL_where(L, 1);
+  lua_setfield(L, -2, "where");
   luaL_setmetatable(L, kErrorTable);
 }
 
@@ -45,6 +47,18 @@ void PushCurrentException(lua_State* L) {
     lua_pushstring(L, exception.what());
     lua_concat(L, 2);
   }
+}
+
+void PushErrorText(lua_State* L, int index) {
+  index = lua_absindex(L, index);
+  lua_pushliteral(L, "");
+  if (lua_istable(L, index)) {
+    lua_pushliteral(L, "where");
+    if (lua_rawget(L, index) == LUA_TSTRING) lua_insert(L, -2);
+    lua_pop(L, 1);
+  }
+  luaL_tolstring(L, index, nullptr);
+  lua_concat(L, 2);
 }
 
 void InstallErrors(lua_State* L) {

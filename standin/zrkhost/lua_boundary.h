@@ -9,9 +9,13 @@
 
 namespace standin::zrkhost {
 
-// Pushes the exception being handled: a host exception as a table with class, message and number
-// that prints as "Class: message", anything else as a text with the place of the call.
+// Pushes the exception being handled: a host exception as a table with class, message, number and
+// where (the place of the call, as "file:line: ") that prints as "Class: message", anything else as
+// a text with the place of the call.
 void PushCurrentException(lua_State* L);
+
+// Pushes an error as its report begins: the place of a host exception stands before its text.
+void PushErrorText(lua_State* L, int index);
 
 // `function` as Lua can call it.
 template <lua_CFunction function>

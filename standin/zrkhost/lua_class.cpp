@@ -13,8 +13,21 @@ namespace {
 // The registry's table of functions that call methods, by the names that programs wrote.
 constexpr const char* kCallers = "host methods";
 
+constexpr const char* kWatcher = "watcher of methods";
+
 // The name of the method or class that a function is for.
 const char* OwnName(lua_State* L) { return lua_tostring(L, lua_upvalueindex(1)); }
+
+// After a method: the stack holds the object, the arguments and the result.
+void TellWatcher(lua_State* L, const char* method) {
+  if (lua_getfield(L, LUA_REGISTRYINDEX, kWatcher) == LUA_TNIL) return lua_pop(L, 1);
+  const int result = lua_gettop(L) - 1;
+  lua_pushvalue(L, 1);
+  lua_pushstring(L, method);
+  lua_pushvalue(L, result);
+  for (int i = 2; i < result; ++i) lua_pushvalue(L, i);
+  lua_call(L, result + 1, 0);
+}
 
 int CallMethod(lua_State* L) {
   const std::string name = OwnName(L);
@@ -23,6 +36,7 @@ int CallMethod(lua_State* L) {
   }
   const Object object(CheckHandle(L, 1));
   PushValue(L, object.Call(name, ToValues(L, 2)));
+  TellWatcher(L, name.c_str());
   return 1;
 }
 
@@ -112,6 +126,12 @@ void SetMember(const Object& object, std::string_view name, const Value& value) 
   const ClassInfo& info = object.class_info();
   if (!info.FindProperty(name)) throw CallError(NoMemberText(info, name));
   object.Set(name, value);
+}
+
+int WatchMethods(lua_State* L) {
+  lua_settop(L, 1);
+  lua_setfield(L, LUA_REGISTRYINDEX, kWatcher);
+  return 0;
 }
 
 void InstallClasses(lua_State* L, const Host& host) {

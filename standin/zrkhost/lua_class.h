@@ -22,6 +22,9 @@ void PushMember(lua_State* L, const Object& object, std::string_view name);
 // Sets a property; throws CallError likewise.
 void SetMember(const Object& object, std::string_view name, const Value& value);
 
+// (function): from now on called after every method, with object, name, result and arguments.
+int WatchMethods(lua_State* L);
+
 // Makes a global of each class that the host knows.
 void InstallClasses(lua_State* L, const Host& host);
 

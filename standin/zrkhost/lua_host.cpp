@@ -7,13 +7,17 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "host/records.h"
 #include "standin/encoding.h"
+#include "standin/object.h"
 #include "standin/zrkhost/describe.h"
 #include "standin/zrkhost/lua_boundary.h"
+#include "standin/zrkhost/lua_class.h"
 #include "standin/zrkhost/lua_tasks.h"
 #include "standin/zrkhost/lua_values.h"
+#include "standin/zrkhost/members.h"
 
 namespace standin::zrkhost {
 namespace {
@@ -80,6 +84,57 @@ int MakeNull(lua_State* L) {
   return 1;
 }
 
+int TypeName(lua_State* L) {
+  const void* handle = luaL_testudata(L, 1, kHandle);
+  if (!handle) return 0;
+  const Value& value = *static_cast<const Value*>(handle);
+  const bool object = value.kind() == Kind::kObject;
+  lua_pushstring(L, object ? Object(value).class_info().name().c_str() : KindName(value.kind()));
+  return 1;
+}
+
+struct Member {
+  std::string name;
+  const char* kind;
+  std::string declaration;
+  bool writable = false;
+};
+
+std::vector<Member> MembersOf(const ClassInfo& info) {
+  std::vector<Member> members;
+  for (const Method& method : info.methods()) {
+    members.push_back({method.declaration.name, "method", method.text});
+  }
+  for (const Property& property : info.properties()) {
+    const bool writable = property.setter != nullptr;
+    members.push_back({property.name, "property", PropertyText(property), writable});
+  }
+  for (const Constant& constant : info.constants()) {
+    members.push_back({constant.declaration.name, "constant", constant.text});
+  }
+  return members;
+}
+
+int ListMembers(lua_State* L) {
+  const std::string name = luaL_checkstring(L, 1);
+  const ClassInfo* info = Host::Current()->FindClass(name);
+  if (!info) throw CallError("there is no class \"" + name + "\"");
+  lua_newtable(L);
+  for (const Member& member : MembersOf(*info)) {
+    lua_createtable(L, 0, 4);
+    lua_pushstring(L, member.name.c_str());
+    lua_setfield(L, -2, "name");
+    lua_pushstring(L, member.kind);
+    lua_setfield(L, -2, "kind");
+    lua_pushstring(L, member.declaration.c_str());
+    lua_setfield(L, -2, "declaration");
+    lua_pushboolean(L, member.writable);
+    lua_setfield(L, -2, "writable");
+    lua_rawseti(L, -2, luaL_len(L, -2) + 1);
+  }
+  return 1;
+}
+
 int ListProblems(lua_State* L) {
   lua_newtable(L);
   for (const std::string& problem : Host::Current()->Problems()) {
@@ -95,8 +150,10 @@ int Clock(lua_State* L) {
   return 1;
 }
 
+// The streams by the names that Lua's io library has for them.
 int IsTerminal(lua_State* L) {
-  lua_pushboolean(L, isatty(STDOUT_FILENO));
+  constexpr const char* const kNames[] = {"stdin", "stdout", "stderr", nullptr};
+  lua_pushboolean(L, isatty(luaL_checkoption(L, 1, "stdout", kNames)));
   return 1;
 }
 
@@ -109,6 +166,9 @@ constexpr luaL_Reg kFunctions[] = {{"string", Entry<MakeString>},
                                    {"null", Entry<MakeNull>},
                                    {"task", Entry<StartTask>},
                                    {"yield", Entry<Yield>},
+                                   {"type", Entry<TypeName>},
+                                   {"members", Entry<ListMembers>},
+                                   {"watch", Entry<WatchMethods>},
                                    {"problems", Entry<ListProblems>},
                                    {"clock", Entry<Clock>},
                                    {"isatty", Entry<IsTerminal>},

@@ -9,9 +9,15 @@
 //   host.task(function)               a cooperative task, resumed in each yield of the host
 //   host.yield()                      gives the tasks (or, in a task, the program) their turn
 //   host.version                      the version that the host claims, nil for none
+//   host.type(value)                  "RegExZRK", "string array" and so on; nil for Lua's own
+//   values host.members(class)               tables with name, kind ("method", "property",
+//   "constant"),
+//                                     declaration and, for properties, writable
+//   host.watch(function)              called after each method with object, name, result, arguments
 //   host.problems()                   what is wrong with the accounts so far
 //   host.clock()                      seconds of a clock that only goes forward
-//   host.isatty()                     whether the output goes to a terminal
+//   host.isatty([stream])             whether "stdin", "stdout" (the default) or "stderr" is a
+//   terminal
 #ifndef ZRK_STANDIN_ZRKHOST_LUA_HOST_H
 #define ZRK_STANDIN_ZRKHOST_LUA_HOST_H
 

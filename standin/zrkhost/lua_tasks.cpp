@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "standin/host.h"
+#include "standin/zrkhost/lua_boundary.h"
 
 namespace standin::zrkhost {
 namespace {
@@ -10,7 +11,8 @@ namespace {
 constexpr const char* kFailed = "host task failed";
 
 void ReportError(lua_State* task) {
-  luaL_traceback(task, task, luaL_tolstring(task, -1, nullptr), 0);
+  PushErrorText(task, -1);
+  luaL_traceback(task, task, lua_tostring(task, -1), 0);
   std::fprintf(stderr, "zrkhost: a task ended with an error: %s\n", lua_tostring(task, -1));
   lua_pushboolean(task, true);
   lua_setfield(task, LUA_REGISTRYINDEX, kFailed);

@@ -1,37 +1,34 @@
 // zrkhost: runs Lua programs on a stand-in host that has loaded the plugin library.
+#include <clocale>
 #include <cstdio>
 #include <exception>
 #include <lua.hpp>
 
 #include "standin/zrkhost/options.h"
 #include "standin/zrkhost/program.h"
+#include "standin/zrkhost/run.h"
 
 namespace {
 
-using standin::zrkhost::Options;
-
-void PrintVersions(const Options& options) {
-  std::printf("zrkhost with %s\nlibrary: %s\n", LUA_RELEASE, options.library.c_str());
-}
+using namespace standin::zrkhost;
 
 int Run(const Options& options) {
   if (options.help) {
-    std::fputs(standin::zrkhost::kUsage, stdout);
-  } else if (options.version) {
-    PrintVersions(options);
-  } else {
-    return standin::zrkhost::Program(options).Run();
+    std::fputs(kUsage, stdout);
+    return FlushOutput(kSuccess);
   }
-  return standin::zrkhost::kSuccess;
+  if (options.version) std::puts("zrkhost " ZRK_VERSION ", " LUA_RELEASE);
+  return Program(options).Run();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::setlocale(LC_CTYPE, "");  // numbers stay as programs write them
   try {
-    return Run(standin::zrkhost::ParseOptions(argc, argv));
+    return Run(ParseOptions(argc, argv));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "zrkhost: %s\n", error.what());
   }
-  return standin::zrkhost::kNotStarted;
+  return kNotStarted;
 }

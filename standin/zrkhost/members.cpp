@@ -47,9 +47,10 @@ Texts MembersLike(const ClassInfo& info, std::string_view name) {
   return texts;
 }
 
-Texts AllMethods(const ClassInfo& info) {
+Texts MethodsAndProperties(const ClassInfo& info) {
   Texts texts;
   for (const Method& method : info.methods()) texts.push_back(method.text);
+  for (const Property& property : info.properties()) texts.push_back(PropertyText(property));
   return texts;
 }
 
@@ -65,7 +66,7 @@ const char* AccessText(const Property& property) {
 
 std::string NoMemberText(const ClassInfo& info, std::string_view name) {
   Texts texts = MembersLike(info, name);
-  if (texts.empty()) texts = AllMethods(info);
+  if (texts.empty()) texts = MethodsAndProperties(info);
   std::string text = info.name() + " has no \"" + std::string(name) + "\"; it has:";
   for (const std::string& member : texts) text += "\n  " + member;
   return text;

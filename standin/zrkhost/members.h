@@ -15,7 +15,7 @@ std::string PropertyText(const Property& property);
 const char* AccessText(const Property& property);
 
 // `RegExZRK has no "Compiel"; it has:`, and a line for each member with a name like that one, or
-// for each method where there is none.
+// for each method and property where there is none.
 std::string NoMemberText(const ClassInfo& info, std::string_view name);
 
 }  // namespace standin::zrkhost

@@ -24,9 +24,12 @@ constexpr option kOptions[] = {{"library", required_argument, nullptr, kLibrary}
                                {"version", no_argument, nullptr, 'v'},
                                {nullptr, 0, nullptr, 0}};
 
-std::filesystem::path LibraryBesideProgram() {
+// Beside the program, as built, or where "make install" puts it.
+std::filesystem::path FindLibrary() {
   std::error_code ignored;
-  return std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path() / kLibraryName;
+  const auto place = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
+  const auto installed = place.parent_path() / "lib" / "zrkhost" / kLibraryName;
+  return std::filesystem::exists(installed, ignored) ? installed : place / kLibraryName;
 }
 
 std::optional<double> ParseVersion(const std::string& text) {
@@ -85,8 +88,11 @@ void Apply(Options& options, int code, const char* argument) {
 
 const char* const kUsage =
     R"(zrkhost [option...] [script.lua [argument...]]
+zrkhost [option...] help [NAME]
 
 Runs a Lua program on a stand-in host that has loaded the plugin library; without one it prompts.
+"help" shows the reference's entry of a member. A script that ends in .xojo_code is a listing in
+the host's language.
 
   -e CODE               runs CODE (before the script, if there is one)
   --library FILE        the plugin library (libZRKRegEx.so beside this program)
@@ -96,7 +102,12 @@ Runs a Lua program on a stand-in host that has loaded the plugin library; withou
   --trace               prints each call between the library and the host as it happens
   --describe[=FORMAT]   prints the classes as registered: text, markdown or json
   -h, --help            this text
-  -v, --version         what runs here
+  -v, --version         the versions of the project, the engine and Lua
+
+What programs find besides the class: the table "host". host.string(bytes, encoding),
+host.memoryblock(bytes), host.stringarray{...}, host.variantarray{...} and host.null(type) make
+values of the host; host.task(function) starts a task, host.yield() gives tasks their turn;
+host.type(value) and host.members(class) say what a thing is and has. "man zrkhost" has all of it.
 
 A script of "-" is read from the input. The exit status is 1 after an error in the program, 2 where
 it could not start, and 3 where a reference to something of the host's was given back twice, or
@@ -105,7 +116,7 @@ never.
 
 Options ParseOptions(int argc, char** argv) {
   Options options;
-  options.library = LibraryBesideProgram();
+  options.library = FindLibrary();
   int code = 0;
   // "+": what follows the script belongs to the script; ":": errors are told apart and left to us.
   while ((code = getopt_long(argc, argv, "+:e:hv", kOptions, nullptr)) != -1) {

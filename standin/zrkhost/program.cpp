@@ -4,9 +4,12 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "standin/zrkhost/embedded.h"
 #include "standin/zrkhost/lua_boundary.h"
 #include "standin/zrkhost/lua_class.h"
 #include "standin/zrkhost/lua_handles.h"
@@ -17,6 +20,16 @@
 
 namespace standin::zrkhost {
 namespace {
+
+// What the first word, or its ending, runs instead of a Lua file.
+struct Command {
+  const char* name;
+  const char* code;
+};
+constexpr Command kCommands[] = {
+    {"help", "require('zrkhost.help').run(...)"},
+    {".xojo_code", "table.move(arg, 0, #arg, 1) arg[0] = 'listing' require('listing')"},
+};
 
 // os.exit of programs.
 int ExitProgram(lua_State* L) {
@@ -54,25 +67,49 @@ void Program::OpenState() {
   InstallHandles(state);
   InstallHost(state, host_);
   InstallClasses(state, host_);
+  InstallModules(state);
   ReplaceExit(state, this);
 }
 
 bool Program::RunCode() {
   for (const std::string& code : options_.code) {
-    if (!RunText(lua_.get(), code, "=(command line)")) return false;
+    if (!RunText(lua_.get(), code, "=(command line)", {"-e"})) return false;
   }
   return true;
 }
 
 bool Program::RunScript() {
-  if (!options_.script.empty()) return RunFile(lua_.get(), options_.script);
+  if (!options_.script.empty()) return RunNamed();
   if (!options_.code.empty()) return true;
   if (!isatty(STDIN_FILENO)) return RunFile(lua_.get(), {"-"});
   Prompt(lua_.get());
   return true;
 }
 
+bool Program::RunNamed() {
+  const std::string& name = options_.script.front();
+  const std::string ending = std::filesystem::path(name).extension();
+  for (const Command& command : kCommands) {
+    if (name != command.name && ending != command.name) continue;
+    return RunText(lua_.get(), command.code, "=(zrkhost)", options_.script);
+  }
+  return RunFile(lua_.get(), options_.script);
+}
+
+void Program::PrintVersions() {
+  for (const auto& info : host_.classes()) {
+    if (info->FindMethods("Version").empty()) continue;
+    const std::string version = host_.New(info->name()).Call("Version").UTF8();
+    std::printf("%s, engine %s\n", info->name().c_str(), version.c_str());
+  }
+  std::printf("library: %s\n", options_.library.c_str());
+}
+
 int Program::Run() {
+  if (options_.version) {
+    PrintVersions();
+    return Finish(kSuccess);
+  }
   if (options_.describe) {
     std::fputs(Describe(host_, *options_.describe).c_str(), stdout);
     return Finish(kSuccess);
@@ -85,7 +122,7 @@ int Program::Run() {
 int Program::Finish(int status) {
   // Not reset(): while the state closes, nobody may find it and close it again.
   if (lua_State* state = lua_.release()) lua_close(state);
-  std::fflush(stdout);
+  status = FlushOutput(status);
   const auto problems = host_.Problems();
   if (problems.empty()) return status;
   std::fputs("zrkhost: the accounts do not balance:\n", stderr);
@@ -94,10 +131,7 @@ int Program::Finish(int status) {
 }
 
 void Program::Exit(int status) {
-  Accounts& accounts = host_.accounts();
-  const char* const under_way = accounts.EnterMethod("");
-  accounts.ResumeMethod(under_way);
-  if (*under_way == '\0') std::exit(Finish(status));
+  if (*host_.accounts().method() == '\0') std::exit(Finish(status));
   std::fflush(stdout);
   std::_Exit(status);
 }

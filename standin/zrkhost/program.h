@@ -11,8 +11,6 @@
 
 namespace standin::zrkhost {
 
-enum ExitStatus { kSuccess = 0, kProgramFailed = 1, kNotStarted = 2, kUnbalanced = 3 };
-
 class Program {
  public:
   // Throws std::exception with one line where the library or the host cannot be had.
@@ -33,9 +31,13 @@ class Program {
     void operator()(lua_State* L) const { lua_close(L); }
   };
 
+  // What each class that has a method "Version" answers to it.
+  void PrintVersions();
   void OpenState();
   bool RunCode();
   bool RunScript();
+  // A command, a listing in the host's language, or a Lua file.
+  bool RunNamed();
 
   Options options_;
   Library library_;

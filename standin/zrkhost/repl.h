@@ -6,9 +6,10 @@
 
 namespace standin::zrkhost {
 
-// Reads statements and expressions, with line editing and a history that is kept in
-// ~/.zrkhost_history, until the input ends. The values of expressions are printed; errors are
-// reported, and the prompt goes on.
+// Reads statements and expressions until the input ends; prompt.lua runs them and shows what they
+// come to. Ctrl-C stops what runs; where a call of the library does not return, a second one ends
+// the process. The history is kept in $ZRKHOST_HISTORY, or in zrkhost/history under
+// $XDG_STATE_HOME or ~/.local/state.
 void Prompt(lua_State* L);
 
 }  // namespace standin::zrkhost

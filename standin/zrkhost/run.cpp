@@ -1,22 +1,48 @@
 #include "standin/zrkhost/run.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+
+#include "standin/zrkhost/lua_boundary.h"
 
 namespace standin::zrkhost {
 namespace {
 
 int AddTraceback(lua_State* L) {
-  luaL_traceback(L, L, luaL_tolstring(L, 1, nullptr), 1);
+  PushErrorText(L, 1);
+  luaL_traceback(L, L, lua_tostring(L, -1), 1);
   return 1;
 }
 
-bool CallLoaded(lua_State* L, int load_status, int arguments) {
-  if (load_status == LUA_OK) return Call(L, arguments, 0);
-  ReportError(L);
-  return false;
+// Runs what a load left on the stack; `words` are its name and arguments.
+bool CallLoaded(lua_State* L, int load_status, const std::vector<std::string>& words) {
+  if (load_status != LUA_OK) {
+    ReportError(L);
+    return false;
+  }
+  const int count = static_cast<int>(words.size());
+  luaL_checkstack(L, count + 1, "too many arguments");
+  lua_createtable(L, count, 0);
+  for (int i = 0; i < count; ++i) {
+    lua_pushstring(L, words[static_cast<std::size_t>(i)].c_str());
+    lua_rawseti(L, -2, i);
+  }
+  lua_setglobal(L, "arg");
+  for (int i = 1; i < count; ++i) lua_pushstring(L, words[static_cast<std::size_t>(i)].c_str());
+  return Call(L, count - 1, 0);
 }
 
 }  // namespace
+
+int FlushOutput(int status) {
+  const bool failed = std::ferror(stdout) != 0;
+  errno = 0;
+  if (std::fflush(stdout) == 0 && !failed) return status;
+  std::fprintf(stderr, "zrkhost: not all output could be written%s%s\n", errno ? ": " : "",
+               errno ? std::strerror(errno) : "");
+  return status == kSuccess ? kProgramFailed : status;
+}
 
 bool Call(lua_State* L, int arguments, int results) {
   const int handler = lua_gettop(L) - arguments;
@@ -31,29 +57,19 @@ bool Call(lua_State* L, int arguments, int results) {
 
 void ReportError(lua_State* L) {
   std::fflush(stdout);
-  std::fprintf(stderr, "zrkhost: %s\n", luaL_tolstring(L, -1, nullptr));
+  PushErrorText(L, -1);
+  std::fprintf(stderr, "zrkhost: %s\n", lua_tostring(L, -1));
   lua_pop(L, 2);
 }
 
-bool RunText(lua_State* L, const std::string& code, const char* name) {
-  return CallLoaded(L, luaL_loadbuffer(L, code.data(), code.size(), name), 0);
+bool RunText(lua_State* L, const std::string& code, const char* name,
+             const std::vector<std::string>& words) {
+  return CallLoaded(L, luaL_loadbuffer(L, code.data(), code.size(), name), words);
 }
 
-bool RunFile(lua_State* L, const std::vector<std::string>& file_and_arguments) {
-  const std::string& file = file_and_arguments.front();
-  const int status = luaL_loadfile(L, file == "-" ? nullptr : file.c_str());
-  const int count = static_cast<int>(file_and_arguments.size());
-  if (status == LUA_OK) luaL_checkstack(L, count, "too many arguments");
-  lua_newtable(L);
-  for (int i = 0; i < count; ++i) {
-    lua_pushstring(L, file_and_arguments[static_cast<std::size_t>(i)].c_str());
-    lua_rawseti(L, -2, i);
-  }
-  lua_setglobal(L, "arg");
-  for (int i = 1; status == LUA_OK && i < count; ++i) {
-    lua_pushstring(L, file_and_arguments[static_cast<std::size_t>(i)].c_str());
-  }
-  return CallLoaded(L, status, count - 1);
+bool RunFile(lua_State* L, const std::vector<std::string>& words) {
+  const std::string& file = words.front();
+  return CallLoaded(L, luaL_loadfile(L, file == "-" ? nullptr : file.c_str()), words);
 }
 
 }  // namespace standin::zrkhost

@@ -8,6 +8,12 @@
 
 namespace standin::zrkhost {
 
+enum ExitStatus { kSuccess = 0, kProgramFailed = 1, kNotStarted = 2, kUnbalanced = 3 };
+
+// Answers `status`, or kProgramFailed where that would be 0 and not all that was printed could be
+// written; then it says so.
+int FlushOutput(int status);
+
 // Calls the function below `arguments` values on the stack, leaving its results. False after an
 // error; then both are gone.
 bool Call(lua_State* L, int arguments, int results);
@@ -15,10 +21,12 @@ bool Call(lua_State* L, int arguments, int results);
 // Prints the error on top of the stack and removes it.
 void ReportError(lua_State* L);
 
-// False after an error. `name` is what messages call the code, as Lua wants it: "=(command line)".
-bool RunText(lua_State* L, const std::string& code, const char* name);
-// Runs a file, "-" for the standard input, with arguments in `...` and in the global `arg`.
-bool RunFile(lua_State* L, const std::vector<std::string>& file_and_arguments);
+// Both run code with a name and arguments for it, the global `arg` from 0 and `...`; false after an
+// error. `name` is what messages call the code, as Lua wants it: "=(command line)".
+bool RunText(lua_State* L, const std::string& code, const char* name,
+             const std::vector<std::string>& words);
+// The name is the file's, "-" for the standard input.
+bool RunFile(lua_State* L, const std::vector<std::string>& words);
 
 }  // namespace standin::zrkhost
 

@@ -84,7 +84,7 @@ Row Limits() {
   };
   return {Repeated("without", calls, [=] { return put(own_limit); }), Repeated("zrk", calls, [=] {
             const unsigned long own = own_limit;
-            return put(std::min(own, zrk::LevelsLeftOnStack()));
+            return put(std::min(own, zrk::LevelsIn(zrk::StackLeft())));
           })};
 }
 

@@ -9,6 +9,7 @@
 #include <ctime>
 #include <memory>
 
+#include "host/quiet_thread.h"
 #include "host/services.h"
 
 // The dispatch library's own declarations in short; both are null where the process has none.
@@ -120,7 +121,7 @@ bool StartThread(ThreadState& state) {
   pthread_attr_t attributes;
   if (pthread_attr_init(&attributes) != 0) return false;
   pthread_attr_setstacksize(&attributes, kWorkerStackBytes);
-  const bool started = pthread_create(&state.thread, &attributes, threadfunction, &state) == 0;
+  const bool started = CreateQuietThread(state.thread, attributes, threadfunction, &state);
   pthread_attr_destroy(&attributes);
   return started;
 }

@@ -3,11 +3,15 @@
 #include <pcre.h>
 #include <pthread.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <climits>
-#include <cstddef>
+#include <atomic>
+#include <csignal>
+#include <cstdint>
+
+#include "host/quiet_thread.h"
 
 namespace zrk {
 
@@ -15,10 +19,13 @@ namespace {
 
 constexpr std::size_t kDeepStackBytes = std::size_t{sizeof(void*) == 8 ? 1024U : 256U} << 20;
 constexpr std::size_t kGuardBytes = 64 << 10;
-// Where the thread's bounds are not known, this much below the present frame is taken for stack.
-constexpr std::size_t kAssumedBytes = 64 << 10;
+// As much as a worker has. Matches of some thousand levels fit, and the main thread's stack is not
+// made larger than that for the sake of a search.
+constexpr std::size_t kMostBytes = 2 << 20;
 // For what the engine calls besides its recursion, and for a signal handler.
 constexpr std::size_t kReservedBytes = 16 << 10;
+// The kernel may give the main thread more later; with less than this it is asked again.
+constexpr std::size_t kScarceBytes = 128 << 10;
 
 // The engine tells the size of one level when it is called like this; an engine that keeps its
 // frames on the heap needs no limit (pcre_config, PCRE_CONFIG_STACKRECURSE).
@@ -33,42 +40,71 @@ std::uint32_t FrameBytes() {
   return static_cast<std::uint32_t>(answer < 0 ? -answer : kCautiousGuess);
 }
 
-struct StackBounds {
-  std::uintptr_t low = 0;
-  std::uintptr_t high = 0;
-  bool looked_up = false;
+const std::uint32_t kFrameBytes = FrameBytes();
+
+std::uintptr_t Here() { return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)); }
+
+std::size_t WithoutReserve(std::uintptr_t bytes) {
+  return bytes > kReservedBytes ? bytes - kReservedBytes : 0;
+}
+
+// Whether a byte of the calling thread's own stack, below all that is in use, can be written. A
+// store there would make the kernel extend the main thread's stack or, where memory, an address
+// space limit or the stack's limit does not allow it, end the process. A system call that stores
+// there extends the stack as well, and is refused with an error code.
+bool IsGiven(std::uintptr_t address) {
+  constexpr std::size_t kSignalSetBytes = 8;
+  return syscall(SYS_rt_sigprocmask, SIG_BLOCK, nullptr, reinterpret_cast<void*>(address),
+                 kSignalSetBytes) == 0;
+}
+
+struct Stack {
+  std::uintptr_t high = 0;   // 0 until it is known
+  std::uintptr_t low = 0;    // where it ends at the latest
+  std::uintptr_t given = 0;  // how far down it may be used: what was given once stays
 };
 
-StackBounds LookUpBounds() {
-  StackBounds bounds{.looked_up = true};
+// Left as it is where the system does not tell.
+void LookUp(Stack& stack) {
   pthread_attr_t attributes;
-  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return bounds;
+  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return;
   void* low = nullptr;
   std::size_t size = 0;
   std::size_t guard = 0;
   if (pthread_attr_getstack(&attributes, &low, &size) == 0 &&
       pthread_attr_getguardsize(&attributes, &guard) == 0 && guard < size) {
-    bounds.high = reinterpret_cast<std::uintptr_t>(low) + size;
-    bounds.low = reinterpret_cast<std::uintptr_t>(low) + guard;
+    stack.low = reinterpret_cast<std::uintptr_t>(low) + guard;
+    stack.high = stack.given = reinterpret_cast<std::uintptr_t>(low) + size;
   }
   pthread_attr_destroy(&attributes);
-  return bounds;
+}
+
+// Asks for all that may be used from here on, or the half of it, and so on.
+void Extend(Stack& stack, std::uintptr_t here) {
+  std::size_t bytes = std::min<std::size_t>(here - stack.low, kMostBytes);
+  while (bytes > kReservedBytes && !IsGiven(here - bytes)) bytes /= 2;
+  if (bytes > kReservedBytes) stack.given = std::min(stack.given, here - bytes);
 }
 
 // Looking up reads the process map for the main thread, so each thread does it once.
-thread_local constinit StackBounds bounds_of_thread;
+thread_local constinit Stack stack_of_thread;
 
-// What the engine may have of so much stack.
-std::size_t UsableOf(std::size_t bytes) {
-  if (bytes <= kReservedBytes) return 0;
-  return std::min<std::size_t>(bytes - kReservedBytes, UINT32_MAX);
-}
+// The same of the main thread, whose stack lives as long as the process: an address in it tells
+// whose it is. That saves a search 3 ns, the price of a look at the thread's data.
+constinit std::atomic<std::uintptr_t> main_given = 0;
+constinit std::atomic<std::uintptr_t> main_high = 0;  // written last
 
-void PublishMainStack(const StackBounds& bounds) {
-  if (getpid() != gettid()) return;
-  const std::size_t usable = UsableOf(bounds.high - bounds.low);
-  main_stack.low.store(bounds.high - usable, std::memory_order_relaxed);
-  main_stack.bytes.store(usable, std::memory_order_release);
+[[gnu::cold, gnu::noinline]] std::size_t LeftOnThread(std::uintptr_t here) {
+  Stack& stack = stack_of_thread;
+  if (stack.high == 0) LookUp(stack);
+  // Outside what the system calls this thread's stack: one of the program's own making.
+  if (here <= stack.low || here >= stack.high) return 0;
+  if (here < stack.given + kScarceBytes && stack.given > stack.low) Extend(stack, here);
+  if (getpid() == gettid()) {
+    main_given.store(stack.given, std::memory_order_relaxed);
+    main_high.store(stack.high, std::memory_order_release);
+  }
+  return here > stack.given ? WithoutReserve(here - stack.given) : 0;
 }
 
 class DeepStack {
@@ -86,47 +122,44 @@ class DeepStack {
 
   bool IsUsable() const { return memory_ != MAP_FAILED; }
   void* memory() const { return memory_; }
+  std::uintptr_t low() const { return reinterpret_cast<std::uintptr_t>(memory_) + kGuardBytes; }
 
  private:
   void* memory_;
 };
 
 struct DeepWork {
-  void (*work)(void*, unsigned long);
+  void (*work)(void*, std::size_t);
   void* data;
+  std::uintptr_t low;
 };
 
 void* RunDeepWork(void* record) {
   const auto* deep = static_cast<const DeepWork*>(record);
-  deep->work(deep->data, LevelsIn(UsableOf(kDeepStackBytes - kGuardBytes)));
+  deep->work(deep->data, WithoutReserve(Here() - deep->low));
   return nullptr;
 }
 
 }  // namespace
 
-const std::uint64_t kLevelsPerByte = (std::uint64_t{1} << 32) / FrameBytes();
-
-MainStack main_stack;
-
-unsigned long LevelsLeftOnThread(std::uintptr_t here) noexcept {
-  StackBounds& bounds = bounds_of_thread;
-  if (!bounds.looked_up) {
-    bounds = LookUpBounds();
-    PublishMainStack(bounds);
-  }
-  const bool known = here > bounds.low && here < bounds.high;
-  return LevelsIn(UsableOf(known ? here - bounds.low : kAssumedBytes));
+std::size_t StackLeft() noexcept {
+  const std::uintptr_t here = Here();
+  const std::uintptr_t plenty = main_given.load(std::memory_order_relaxed) + kScarceBytes;
+  const bool on_main_stack = here > plenty && here < main_high.load(std::memory_order_acquire);
+  return on_main_stack ? WithoutReserve(here - plenty + kScarceBytes) : LeftOnThread(here);
 }
 
-bool RunOnDeepStack(void (*work)(void*, unsigned long), void* data) noexcept {
+unsigned long LevelsIn(std::size_t stack_bytes) noexcept { return stack_bytes / kFrameBytes; }
+
+bool RunOnDeepStack(void (*work)(void*, std::size_t), void* data) noexcept {
   const DeepStack stack;
   if (!stack.IsUsable()) return false;
   pthread_attr_t attributes;
   if (pthread_attr_init(&attributes) != 0) return false;
-  DeepWork deep{work, data};
+  DeepWork deep{work, data, stack.low()};
   pthread_t thread{};
   const bool started = pthread_attr_setstack(&attributes, stack.memory(), kDeepStackBytes) == 0 &&
-                       pthread_create(&thread, &attributes, RunDeepWork, &deep) == 0;
+                       CreateQuietThread(thread, attributes, RunDeepWork, &deep);
   pthread_attr_destroy(&attributes);
   if (started) pthread_join(thread, nullptr);
   return started;

@@ -11,6 +11,7 @@
 
 #include "host/state.h"
 #include "standin/host.h"
+#include "tests/session.h"
 
 extern "C" void REALPluginMain(zrk::HostResolver resolver);
 
@@ -96,21 +97,53 @@ TEST_F(DeepStack, AnswersTheRecursionLimitWhereItCannotBeHad) {
   });
 }
 
-// A host with stacks of its own: a match that 64 KiB do not hold is made on the deep stack, though
-// the thread would have had room for it.
-TEST_F(DeepStack, IsTakenEarlyWhereTheThreadsBoundsAreNotKnown) {
+// A host with stacks of its own: nothing is counted on, though the thread would have had room.
+TEST_F(DeepStack, IsTakenAtOnceWhereTheThreadsBoundsAreNotKnown) {
   const std::string subject(1'000, 'a');
   for (const bool unknown : {false, true}) {
     no_bounds = unknown;
     OnFreshThread([&](const Object& regex) {
       regex.Call("Compile", {"(?:a|b)*$"});
-      EXPECT_EQ(regex.Call("Execute", {"aa"}).Integer(), 1);
-      EXPECT_EQ(creates, 0);
-      EXPECT_EQ(regex.Call("Execute", {subject}).Integer(), 1);
       EXPECT_EQ(creates, unknown ? 1 : 0);
+      EXPECT_EQ(regex.Call("Execute", {subject}).Integer(), 1);
+      EXPECT_EQ(creates, unknown ? 2 : 0);
       EXPECT_EQ(regex.Call("Offset", {1}).Integer(), 1'000);
+      EXPECT_TRUE(regex.Call("Study").Boolean());
+      EXPECT_EQ(creates, unknown ? 3 : 0);
     });
   }
+}
+
+TEST_F(DeepStack, IsMissedByCompileAndStudyWithAnException) {
+  no_bounds = true;
+  OnFreshThread([](const Object& regex) {
+    const auto raised = [&](const char* method, const Values& arguments) {
+      no_memory = true;
+      const Outcome outcome = regex.TryCall(method, arguments);
+      no_memory = false;
+      return tests::Raised(outcome);
+    };
+    const char* const kShort = "OutOfMemoryException: Failed to allocate memory.";
+    regex.Call("Compile", {"a+b"});
+    EXPECT_EQ(raised("Study", {}), kShort);
+    EXPECT_EQ(regex.Call("Execute", {"ab"}).Integer(), 1);
+    EXPECT_EQ(raised("Compile", {"a+c"}), kShort);
+    EXPECT_EQ(regex.Call("Execute", {"ab"}).Integer(), 0);
+    EXPECT_TRUE(regex.Call("Compile", {"a+c"}).Boolean());
+    EXPECT_EQ(regex.Call("Execute", {"ac"}).Integer(), 1);
+  });
+}
+
+TEST_F(DeepStack, DoesNotHelpPastAPatternsOwnLimit) {
+  OnFreshThread([](const Object& regex) {
+    for (const auto& [pattern, result] : {std::pair("(*LIMIT_RECURSION=100)(?:a|b)*$", -21),
+                                          std::pair("(*LIMIT_RECURSION=900000)(?:a|b)*$", 1)}) {
+      creates = 0;
+      regex.Call("Compile", {pattern});
+      EXPECT_EQ(regex.Call("Execute", {kDeep}).Integer(), result);
+      EXPECT_EQ(creates, result > 0 ? 1 : 0);
+    }
+  });
 }
 
 // Sizing and building may ask the engine the same question twice, and a system that could not give

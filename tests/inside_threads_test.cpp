@@ -4,10 +4,15 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "host/state.h"
 #include "host/threaded_runner.h"
+#include "regex/engine.h"
+#include "regex/stack_depth.h"
 #include "standin/host.h"
 
 extern "C" void REALPluginMain(zrk::HostResolver resolver);
@@ -61,6 +66,17 @@ void Idle(void* data) {
   EXPECT_EQ(std::this_thread::get_id(), seen.caller);
 }
 
+// How many of six signals are blocked on the calling thread.
+void CountBlocked(void* count) {
+  sigset_t mask;
+  pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+  int blocked = 0;
+  for (const int signal : {SIGINT, SIGALRM, SIGCHLD, SIGUSR1, SIGPROF, SIGRTMAX}) {
+    blocked += sigismember(&mask, signal);
+  }
+  *static_cast<int*>(count) = blocked;
+}
+
 class ThreadedRunner : public testing::Test {
  protected:
   ThreadedRunner() { REALPluginMain(&standin::Host::Resolve); }
@@ -105,6 +121,48 @@ TEST_F(ThreadedRunner, DoesNothingWhereNoThreadCanBeHad) {
   }
   zrk::RunThreaded(&seen_, Work, Idle);
   EXPECT_EQ(seen_.works, 1);
+}
+
+// A handler of the program would run on a stack that was measured for something else.
+TEST_F(ThreadedRunner, AndTheDeepStackTakeNoSignals) {
+  int blocked = 0;
+  zrk::RunThreaded(&blocked, CountBlocked, nullptr);
+  EXPECT_EQ(blocked, 6);
+  blocked = 0;
+  EXPECT_TRUE(zrk::RunOnDeepStack([](void* data, std::size_t) { CountBlocked(data); }, &blocked));
+  EXPECT_EQ(blocked, 6);
+  CountBlocked(&blocked);
+  EXPECT_EQ(blocked, 0);
+}
+
+// What the engine's calls share is right for several threads at once, each with a pattern of its
+// own.
+TEST(Engine, RunsOnSeveralThreadsAtOnce) {
+  const std::string shallow(20, 'a');
+  const std::string deep(20'000, 'a');
+  const auto search = [&] {
+    const char* error = nullptr;
+    int offset = 0;
+    pcre* const code = pcre_compile("(?:a|b)*$", 0, &error, &offset, nullptr);
+    std::vector<std::int32_t> vector(30);
+    zrk::RegExClassData data{};
+    data.Handle = code;
+    data.Vector = vector.data();
+    data.VectorSize = 30;
+    for (int round = 0; round < 50; ++round) {
+      zrk::SubjectNotes notes;
+      const std::string& text = round % 10 == 0 ? deep : shallow;
+      zrk::EngineCall call = zrk::PrepareCall(data);
+      zrk::SetSubject(call, reinterpret_cast<const unsigned char*>(text.data()),
+                      static_cast<std::int32_t>(text.size()), notes);
+      EXPECT_EQ(zrk::RunEngine(call), 1);
+      EXPECT_EQ(vector[1], call.length);
+    }
+    pcre_free(code);
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) threads.emplace_back(search);
+  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace

@@ -48,6 +48,20 @@ local text_filter = {
     return block, false
   end,
 
+  -- On a narrow screen the cells of a wide table stand below each other, each with its column's name.
+  Table = function(table)
+    local names = {}
+    for i, cell in ipairs(table.head.rows[1].cells) do names[i] = text_of(cell.contents) end
+    if #names < 3 then return end
+    table.classes:insert("wide")
+    for _, body in ipairs(table.bodies) do
+      for _, row in ipairs(body.body) do
+        for i, cell in ipairs(row.cells) do cell.attributes["data-column"] = names[i] end
+      end
+    end
+    return table
+  end,
+
   RawBlock = function(block)
     if block.text:find('id="members"', 1, true) then
       return pandoc.RawBlock("html", members.index(page)), false

@@ -72,9 +72,10 @@ class Browser {
 
   async close() {
     const ended = new Promise((resolve) => { this.process.on('exit', resolve); });
-    this.process.kill();
+    this.session = undefined;
+    await this.send('Browser.close');
     await ended;
-    fs.rmSync(this.profile, { recursive: true, force: true });
+    fs.rmSync(this.profile, { recursive: true, maxRetries: 9, retryDelay: 100 });
   }
 }
 

@@ -1,10 +1,8 @@
 // The documentation against the library: the class reference declares every registered member and
 // no other, the examples print what stands behind them, and no link leads nowhere.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -16,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/run_program.h"
 #include "tests/session.h"
 
 namespace tests {
@@ -141,23 +140,6 @@ TEST(Reference, ShowsEachMemberInAListing) {
   }
 }
 
-// Runs a program in zrkhost, in Lua or ("vb") in the host's language; answers what it prints, and
-// its exit status where that is not 0.
-std::string RunProgram(const std::string& language, const std::string& program) {
-  const fs::path file =
-      fs::path(testing::TempDir()) / ("zrk_docs_test." + std::to_string(getpid()));
-  std::ofstream(file) << program;
-  const std::string translator =
-      language == "vb" ? " " + (kRoot / "standin/zrkhost/listing.lua").string() : "";
-  FILE* const out =
-      popen((ZRK_HOST_PROGRAM + translator + " " + file.string() + " 2>&1").c_str(), "r");
-  std::string printed;
-  for (int byte = 0; (byte = std::fgetc(out)) != EOF;) printed += static_cast<char>(byte);
-  const int status = pclose(out);
-  fs::remove(file);
-  return status == 0 ? printed : printed + "exit " + std::to_string(WEXITSTATUS(status));
-}
-
 TEST(DocsDecisions, AreListedByTheirTitles) {
   const std::string list = Read(kRoot / "docs/README.md");
   for (const auto& entry : fs::directory_iterator(kRoot / "docs/decisions")) {
@@ -168,14 +150,21 @@ TEST(DocsDecisions, AreListedByTheirTitles) {
   }
 }
 
-// An example without a text behind it prints nothing.
+// An example without a text behind it prints nothing. Each stands in its file where it stands in
+// the page, so that messages name the page's line.
 TEST(DocsExamples, PrintWhatStandsBehindThem) {
-  constexpr const char* kExample = "```(lua|vb)\n([^]*?)```\n(?:\n```text\n([^]*?)```\n)?";
+  constexpr const char* kExample = "^```(lua|vb)\n([^]*?)```\n(?:\n```text\n([^]*?)```\n)?";
   std::size_t run = 0;
   for (const fs::path& page : Pages()) {
     const std::string text = Read(page);
+    const std::string name = page.filename();
     for (const std::smatch& example : FindAll(text, kExample)) {
-      EXPECT_EQ(RunProgram(example[1], example[2]), example[3]) << page << '\n' << example[2];
+      const auto line = std::count(text.begin(), example[2].first, '\n');
+      const std::string code = std::string(static_cast<std::size_t>(line), '\n') + example[2].str();
+      const bool lua = example[1] == "lua";
+      EXPECT_EQ(lua ? RunProgram(name, code) : RunListing(name, code), example[3])
+          << page << ':' << line << '\n'
+          << example[2];
       ++run;
     }
   }

@@ -1,0 +1,16 @@
+// Programs and listings run in zrkhost, as a user would run them.
+#ifndef ZRK_TESTS_RUN_PROGRAM_H
+#define ZRK_TESTS_RUN_PROGRAM_H
+
+#include <string>
+
+namespace tests {
+
+// Runs a Lua program, or a listing in the host's language, from a file of this name, which messages
+// show. Answers what it prints, errors as well, and "exit N" behind that where N is not 0.
+std::string RunProgram(const std::string& name, const std::string& program);
+std::string RunListing(const std::string& name, const std::string& listing);
+
+}  // namespace tests
+
+#endif  // ZRK_TESTS_RUN_PROGRAM_H

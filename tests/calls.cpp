@@ -16,7 +16,11 @@ Values Variants(Host& host, bool inverse) {
   return {host.VariantArray({"bc", kText, 5, true, Value()}), inverse};
 }
 
-Values None(Host&) { return {}; }
+// Arguments that need no host of their own.
+template <typename... Arguments>
+auto With(Arguments... arguments) {
+  return [=](Host&) { return Values{arguments...}; };
+}
 
 }  // namespace
 
@@ -49,69 +53,56 @@ std::string Show(const Object& object, const Outcome& outcome) {
 
 const std::vector<CallRow>& CallRows() {
   static const std::vector<CallRow> rows = {
-      {"match", "Match", [](Host&) -> Values { return {kText}; }},
+      {"match", "Match", With(kText)},
       {"match strings", "Match", [](Host& host) { return Strings(host, false); }},
       {"match strings inverse", "Match", [](Host& host) { return Strings(host, true); }},
       {"match variants", "Match", [](Host& host) { return Variants(host, false); }},
       {"match variants inverse", "Match", [](Host& host) { return Variants(host, true); }},
-      {"name entry", "InfoNameEntry", [](Host&) -> Values { return {2}; }},
-      {"no such entry", "InfoNameEntry", [](Host&) -> Values { return {3}; }},
-      {"version", "Version", None},
-      {"compile", "Compile", [](Host&) -> Values { return {"b(é)"}; }},
-      {"compile an error", "Compile", [](Host&) -> Values { return {"b("}; }},
+      {"name entry", "InfoNameEntry", With(2)},
+      {"no such entry", "InfoNameEntry", With(3)},
+      {"version", "Version", With()},
+      {"compile", "Compile", With("b(é)")},
+      {"compile an error", "Compile", With("b(")},
       {"compile bytes", "CompileMemory",
        [](Host& host) -> Values {
          return {host.MemoryBlock("xb(c)(?#and a remark)"), 1};
        }},
-      {"compile no bytes", "CompileMemory",
-       [](Host&) -> Values {
-         return {Value::Nil(Kind::kMemoryBlock), 0};
-       }},
-      {"study", "Study", None},
-      {"execute again", "Execute", [](Host&) -> Values { return {1}; }},
-      {"execute", "Execute",
-       [](Host&) -> Values {
-         return {kText, 1};
-       }},
+      {"compile no bytes", "CompileMemory", With(Value::Nil(Kind::kMemoryBlock), 0)},
+      {"study", "Study", With()},
+      {"execute again", "Execute", With(1)},
+      {"execute", "Execute", With(kText, 1)},
       {"execute bytes", "ExecuteMemory",
        [](Host& host) -> Values {
          return {host.MemoryBlock(kText), 1};
        }},
-      {"execute no bytes", "ExecuteMemory",
-       [](Host&) -> Values { return {Value::Nil(Kind::kMemoryBlock)}; }},
-      {"execute threaded again", "ExecuteMT", [](Host&) -> Values { return {1}; }},
-      {"execute threaded", "ExecuteMT",
-       [](Host&) -> Values {
-         return {kText, 1};
-       }},
+      {"execute no bytes", "ExecuteMemory", With(Value::Nil(Kind::kMemoryBlock))},
+      {"execute threaded again", "ExecuteMT", With(1)},
+      {"execute threaded", "ExecuteMT", With(kText, 1)},
       {"execute bytes threaded", "ExecuteMemoryMT",
        [](Host& host) -> Values {
          return {host.MemoryBlock(kText), 1};
        }},
-      {"offset", "Offset", [](Host&) -> Values { return {3}; }},
-      {"no such offset", "Offset", [](Host&) -> Values { return {-1}; }},
-      {"character", "OffsetCharacters", [](Host&) -> Values { return {1}; }},
-      {"group", "Substring", [](Host&) -> Values { return {1}; }},
-      {"named group", "Substring", [](Host&) -> Values { return {"n"}; }},
-      {"group number", "StringNumber", [](Host&) -> Values { return {"n"}; }},
-      {"utf-8", "ConfigUTF8", None},
-      {"properties", "ConfigUnicodeProperties", None},
-      {"newline", "ConfigNewLine", None},
-      {"bsr", "ConfigBSR", None},
-      {"link size", "ConfigLinkSize", None},
-      {"threshold", "ConfigMallocThreshold", None},
-      {"limit", "ConfigMatchLimit", None},
-      {"recursion", "ConfigMatchLimitRecursion", None},
-      {"stack", "ConfigStackRecurse", None},
-      {"replace", "Replace", [](Host&) -> Values { return {"<\\1é>"}; }},
-      {"replace selection", "ReplaceSelection", [](Host&) -> Values { return {"<\\2>"}; }},
-      {"replace all", "ReplaceAll",
-       [](Host&) -> Values {
-         return {kText, "<\\1é>"};
-       }},
-      {"delete all", "ReplaceAll", [](Host&) -> Values { return {kText}; }},
-      {"escape", "Escape", [](Host&) -> Values { return {"a.é(((((((((("}; }},
-      {"unescape", "Unescape", [](Host&) -> Values { return {"a\\.é and some more"}; }},
+      {"offset", "Offset", With(3)},
+      {"no such offset", "Offset", With(-1)},
+      {"character", "OffsetCharacters", With(1)},
+      {"group", "Substring", With(1)},
+      {"named group", "Substring", With("n")},
+      {"group number", "StringNumber", With("n")},
+      {"utf-8", "ConfigUTF8", With()},
+      {"properties", "ConfigUnicodeProperties", With()},
+      {"newline", "ConfigNewLine", With()},
+      {"bsr", "ConfigBSR", With()},
+      {"link size", "ConfigLinkSize", With()},
+      {"threshold", "ConfigMallocThreshold", With()},
+      {"limit", "ConfigMatchLimit", With()},
+      {"recursion", "ConfigMatchLimitRecursion", With()},
+      {"stack", "ConfigStackRecurse", With()},
+      {"replace", "Replace", With("<\\1é>")},
+      {"replace selection", "ReplaceSelection", With("<\\2>")},
+      {"replace all", "ReplaceAll", With(kText, "<\\1é>")},
+      {"delete all", "ReplaceAll", With(kText)},
+      {"escape", "Escape", With("a.é((((((((((")},
+      {"unescape", "Unescape", With("a\\.é and some more")},
   };
   return rows;
 }

@@ -302,7 +302,9 @@ TEST(ZRKHost, ReachesEveryMember) {
   const std::string file = TempDir() + "every_member_" + std::to_string(getpid()) + ".lua";
   std::ofstream(file) << "do " << script.str() << " print(n) end";
   const Ran ran = ZRKHost(file);
-  EXPECT_EQ(ran.output, "115\n");
+  const std::size_t members =
+      info.methods().size() + info.properties().size() + info.constants().size();
+  EXPECT_EQ(ran.output, std::to_string(members) + '\n');
   EXPECT_EQ(ran.status, 0);
   std::filesystem::remove(file);
 }

@@ -171,6 +171,27 @@ TEST(DocsExamples, PrintWhatStandsBehindThem) {
   EXPECT_GE(run, 10U);
 }
 
+// The tables of patterns.md: « and » enclose all that the row's pattern finds in its text, with a
+// new object's options; ¶ stands for a line feed there and → for a TAB.
+TEST(DocsPatterns, FindWhatTheirRowsMark) {
+  std::string program = R"(
+    local function row(pattern, marked)
+      pattern, marked = pattern:gsub("\\|", "|"), marked:gsub("\\|", "|"):gsub("¶", "\n"):gsub("→", "\t")
+      local re = RegExZRK()
+      re:Compile(pattern)
+      local found = re:ReplaceAll(marked:gsub("«", ""):gsub("»", ""), "«\\0»")
+      if found ~= marked then print(pattern, found, re.ErrorMessage) end
+    end
+  )";
+  const std::string page = Read(kHelp / "patterns.md");
+  const auto rows = FindAll(page, R"(^\| `([^`]+)` \| .* \| `([^`]+)` \|$)");
+  EXPECT_GE(rows.size(), 90U);
+  for (const std::smatch& row : rows) {
+    program += "row([==[" + row[1].str() + "]==], [==[" + row[2].str() + "]==])\n";
+  }
+  EXPECT_EQ(RunProgram("lua", program), "");
+}
+
 // Also files that are named without a link, such as tests/docs_test.cpp.
 TEST(DocsLinks, LeadToFiles) {
   for (const fs::path& page : Pages()) {

@@ -8,7 +8,7 @@ local groups = {
     "help/members", "help/object", "help/compiling", "help/compile-options", "help/searching",
     "help/execute-options", "help/results", "help/replacing", "help/arrays", "help/constants",
     "help/errors" },
-  { title = "About the project", "README", "safety", "benchmarks" },
+  { title = "About the project", "README", "safety", "benchmarks", "releasing" },
 }
 
 local source_of = { ["help/members"] = "docs/pages/members.md" }
@@ -70,7 +70,7 @@ local function turns(page)
       if other == page then place = #order end
     end
   end
-  if not place then return "" end
+  if not place then return page:find("^help/") and error(page .. " stands in no group of navigation.lua") or "" end
   local back, on = order[place - 1], order[place + 1]
   return (back and '<span class="back">Back: ' .. link(page, back) .. "</span> " or "") ..
          (on and '<span class="on">Next: ' .. link(page, on) .. "</span>" or "")

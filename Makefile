@@ -8,9 +8,11 @@ SHELL := /bin/bash
 
 MEMCHECKED = unsafe_bytes inside_utf8 memory_block execute results text_in replace
 
-.PHONY: help demo test test-32 sanitize memcheck fuzz bench bench-check coverage pictures docs test-pages package format check clean
+.PHONY: help demo test test-32 sanitize memcheck fuzz bench bench-check coverage pictures docs test-pages package release format check clean
 .DEFAULT_GOAL := help
 .NOTPARALLEL:
+
+plugin = build/package/ZRKRegEx.xojo_plugin
 
 # $(call build,PRESET[,TARGETS]): configures one preset and builds it, or these targets of it.
 build = cmake --preset $(1) -Wno-dev --log-level=WARNING && \
@@ -85,10 +87,15 @@ test-pages: docs  ## look at every page of the documentation in a real browser
 package: docs  ## build/package/ZRKRegEx.xojo_plugin, and a check of it
 	@tools/setup build m32 package
 	@tools/fetch-i386
+	@tools/fetch-i386 bare-root
 	@tools/fetch-engine
 	$(call build,m32,ZRKRegEx zrkhost)
 	@packaging/make-package build/m32/libZRKRegEx.so build/docs/help build/package
-	@packaging/check-package build/package/ZRKRegEx.xojo_plugin build/m32/zrkhost
+	@packaging/check-package $(plugin) build/m32/zrkhost || { rm -f $(plugin); exit 1; }
+
+release: package  ## build/release/ZRKRegEx-VERSION.zip: the package with read-me, licence, changelog
+	@packaging/check-rebuild $(plugin)
+	@packaging/make-release $(plugin) build/release
 
 format:  ## rewrite the sources as .clang-format says
 	@tools/setup format

@@ -126,8 +126,12 @@ end
 
 -- Calls: the rows that a name may mean, the one that fits, and its arguments.
 
-local function count_text(row)
-  local least, most = row.least, #row.parameters
+-- "2 to 3 arguments": what any of the rows takes.
+local function count_text(rows)
+  local least, most = math.huge, 0
+  for _, row in ipairs(rows) do
+    least, most = math.min(least, row.least), math.max(most, #row.parameters)
+  end
   if most == 0 then return "no arguments" end
   local range = least == most and tostring(most) or least .. " to " .. most
   return range .. (range == "1" and " argument" or " arguments")
@@ -137,9 +141,6 @@ local function substitute(type, element) return (type:gsub("^T%f[^%w]", element 
 
 -- The arguments as Lua text, and what their conversions cost; nil and why where they do not fit.
 local function fit(cx, row, arguments, element)
-  if #arguments < row.least or #arguments > #row.parameters then
-    return nil, ("%s takes %s, not %d"):format(row.name, count_text(row), #arguments)
-  end
   local codes, total = {}, 0
   for i, parameter in ipairs(row.parameters) do
     local wanted = substitute(parameter.type, element)
@@ -162,15 +163,14 @@ end
 local function choose(cx, rows, arguments, element)
   local best, codes, cost, problem
   for _, row in ipairs(rows) do
-    local fitting, about = fit(cx, row, arguments, element)
-    if fitting and (not cost or about < cost) then
-      best, codes, cost = row, fitting, about
-    elseif not fitting and (not problem or #arguments <= #row.parameters) then
-      problem = about
+    if #arguments >= row.least and #arguments <= #row.parameters then
+      local fitting, about = fit(cx, row, arguments, element)
+      if fitting and (not cost or about < cost) then best, codes, cost = row, fitting, about end
+      problem = problem or not fitting and about
     end
   end
-  if not best then cx:fail("%s", problem) end
-  return best, codes
+  if best then return best, codes end
+  cx:fail("%s", problem or ("%s takes %s, not %d"):format(rows[1].name, count_text(rows), #arguments))
 end
 
 -- What a name with arguments stands for: text, type, and where it can be set, set(text) as a statement.

@@ -33,6 +33,7 @@ local function find_bytes(start, s, find) return bytes(s):find(bytes(find), math
 for name, find in pairs {InStr = find_from, InStrB = find_bytes} do
   row(name .. "(source As String, find As String) As Integer", function(s, wanted) return find(1, s, wanted) end)
   row(name .. "(start As Integer, source As String, find As String) As Integer", find)
+  row("String." .. name .. "(find As String) As Integer", function(s, wanted) return find(1, s, wanted) end)
   row("String." .. name .. "(start As Integer, find As String) As Integer",
       function(s, start, wanted) return find(start, s, wanted) end)
 end

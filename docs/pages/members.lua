@@ -7,7 +7,7 @@ local members, by_name = {}, {}
 
 for _, group in ipairs(navigation.groups) do
   for _, page in ipairs(group) do
-    local text = (navigation.read(page) or "") .. "\n\n"
+    local text = navigation.read(page) .. "\n\n"
     for name, declarations, behind in text:gmatch(entry_form) do
       local member = { name = name, page = page, declarations = declarations,
                        opening = text:match("^(.-)\n\n", behind) }

@@ -14,16 +14,10 @@ local groups = {
 local source_of = { ["help/members"] = "docs/pages/members.md" }
 
 local function read(page)
-  local file = io.open(source_of[page] or "docs/" .. page .. ".md")
-  local text = file and file:read("a")
-  if file then file:close() end
+  local file = assert(io.open(source_of[page] or "docs/" .. page .. ".md"))
+  local text = file:read("a")
+  file:close()
   return text
-end
-
-for _, group in ipairs(groups) do
-  for i = #group, 1, -1 do
-    if not read(group[i]) then table.remove(group, i) end
-  end
 end
 
 local function title(page)

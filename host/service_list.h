@@ -11,7 +11,7 @@
 #define ZRK_HOST_SERVICE_LIST_H
 
 // Encodings travel as their 32-bit code. The library creates arrays of strings only, and asks
-// arrays of either kind for their upper bound.
+// arrays of either kind for their upper bound; a host that cannot tell it has empty arrays.
 // clang-format off
 #define ZRK_HOST_SERVICES(SERVICE)                                                                \
   SERVICE(REALRegisterClass, Guarded, void, (REALclassDefinition*),                               \

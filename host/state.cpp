@@ -23,7 +23,8 @@ std::int32_t ControlVersionOf(double host_version) {
   return 9;
 }
 
-// An entry that is called once and not remembered; null where the host has none.
+// An entry that is called once and not remembered; null where the host has none. Every host should
+// have both, but without this look one that has not would jump to address zero as it starts.
 template <typename Signature>
 Signature* FindStartupEntry(const char* name) {
   return gResolver != nullptr ? reinterpret_cast<Signature*>(gResolver(name)) : nullptr;

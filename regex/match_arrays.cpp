@@ -104,6 +104,7 @@ _REALarrayString* MatchArray(RegExClassData& data, Array* array, HostBoolean inv
   ClearText(data);
   if (!RequireVector(data)) return nullptr;
   Release(data.ErrorMessage);
+  // After the check: a method that raises answers null, and nobody would give this array back.
   ResultArray result;
   if (data.Handle == nullptr || array == nullptr) return result.Take();
   const std::int32_t upper_bound = REALGetArrayUBound(array);

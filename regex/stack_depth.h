@@ -11,7 +11,7 @@
 namespace zrk {
 
 // Bytes of stack that the engine may use from here on, with room kept for what it calls besides its
-// recursion: at most 2 MiB, and 0 where nothing is known about the stack at hand. [any thread]
+// recursion: at most 8 MiB, and 0 where nothing is known about the stack at hand. [any thread]
 std::size_t StackLeft() noexcept;
 
 // How many levels of the matcher's recursion so many bytes of stack hold.

@@ -72,7 +72,7 @@ struct MainThreadRow {
 
 const MainThreadRow kMainThreadRows[] = {
     {"1 MiB of address space", false, [] { LeaveAddressSpace(1 << 20); }, 7'000, -21},
-    {"1 MiB after a search", true, [] { LeaveAddressSpace(1 << 20); }, 7'000, -21},
+    {"1 MiB after a search", true, [] { LeaveAddressSpace(1 << 20); }, 7'000, -1},
     {"no address space", false, [] { LeaveAddressSpace(0); }, 2'000, -21},
     {"limit lowered", true, [] { SetLimit(RLIMIT_STACK, 200 << 10); }, 7'000, -1},
     {"limit lifted", false, [] { SetLimit(RLIMIT_STACK, RLIM_INFINITY); }, 1'000'000,

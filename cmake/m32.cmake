@@ -19,3 +19,6 @@ set(ENV{PKG_CONFIG_SYSROOT_DIR} ${sysroot})
 list(JOIN library_dirs ":" search_path)
 set(CMAKE_EXE_LINKER_FLAGS_INIT
   "-Wl,--disable-new-dtags -Wl,-rpath,${search_path} -Wl,-rpath-link,${search_path}")
+
+# Where Lua finds LPeg, for the tests that run listings.
+set(test_environment "LUA_CPATH=${sysroot}/usr/lib/i386-linux-gnu/lua/5.4/?.so")

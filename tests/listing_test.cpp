@@ -40,10 +40,10 @@ MsgBox ReplaceAll("xAxa", "a", "%1") + Replace("xAxa", "A", "") + Uppercase("kä
     // Encodings: bytes and characters, none at all, and strings that meet.
     {R"vb(Dim latin As String = ConvertEncoding("Käse", Encodings.ISOLatin1)
 Dim raw As String = DefineEncoding("Käse", Nil)
-MsgBox Str(LenB(latin)) + " " + latin.Encoding.InternetName + " " + latin + " " + Mid(latin, 2, 1) + "é"
+MsgBox Str(LenB(latin)) + " " + Str(latin.Encoding = Encodings.ISOLatin1) + " " + latin + " " + Mid(latin, 2, 1) + "é"
 MsgBox Str(raw.Encoding Is Nil) + " " + Str(Len(raw)) + " " + raw.DefineEncoding(Encodings.UTF8)
 )vb",
-     "4 ISO Latin-1 Käse äé\nTrue 5 Käse\n"},
+     "4 True Käse äé\nTrue 5 Käse\n"},
     // The end of a For is looked at each time; Next and leaving in all their ways.
     {R"vb(Dim a() As String = Array("b", "a")
 For i As Integer = 0 To a.Ubound
@@ -200,7 +200,7 @@ constexpr Row kRefusals[] = {
     {"Select Case 5\nMsgBox \"a\"\nEnd Select", "2: this stands before the first Case"},
     {"Exit", "1: Exit stands outside of a loop"},
     // What the translator does not know.
-    {"Static x As Integer", "1: not understood from here: As Integer"},
+    {"Static x As Integer", "1: not understood from here: x As Integer"},
     {"Dim a(2, 3) As Integer", "1: a has more than one dimension"},
     {"Sub A(ByRef x As Integer)\nEnd Sub", "1: ByRef is not known here"},
     {"Dim x As Integer = 1 + _\n\n", "1: the line ends too early"},

@@ -1,10 +1,8 @@
 -- Runs a listing in the host's language: zrkhost listing.lua FILE.xojo_code
 --
--- The listing is translated to Lua, statement by statement, with the types that its declarations give
--- to names; what the translator does not know, and what the host's compiler would refuse, is refused
--- with the line it stands in. The help's listings are held to what they show by this.
-local here = arg[0]:match "^(.*/)" or "./"
-package.path = here .. "?.lua;" .. package.path
+-- It is translated to Lua, statement by statement, with the types that its declarations give to
+-- names. What the translator does not know, and what the host's compiler would refuse, is refused
+-- with its line. The help's listings are held to what they show by this.
 
 local function stop(message, ...)
   io.stdout:flush()
@@ -12,7 +10,9 @@ local function stop(message, ...)
   os.exit(1)
 end
 
-if not pcall(require, "lpeg") then stop("listings need LPeg for Lua 5.4 (on Debian: lua-lpeg), which is not installed") end
+if not pcall(require, "lpeg") then
+  stop "listing: LPeg for Lua 5.4 is not installed (on Debian lua-lpeg), and listings need it"
+end
 local grammar = require "listing.grammar"
 local library = require "listing.library"
 local statements = require "listing.statements"
@@ -29,7 +29,8 @@ local function translate(name, source)
     local statement, reached = grammar.statement(entry.text)
     if not statement then
       local rest = entry.text:sub(reached)
-      stop("%s:%d: %s", name, entry.line, rest == "" and "the line ends too early" or "not understood from here: " .. rest)
+      local problem = rest == "" and "the line ends too early" or "not understood from here: "
+      stop("%s:%d: %s%s", name, entry.line, problem, rest)
     end
     entry.statement = statement
   end
@@ -57,7 +58,8 @@ end, function(failure)
   return debug.traceback(failure, 2)
 end)
 if not done and type(failure) == "table" then
-  stop("%s:%s: unhandled %s%s", name, failure.line or "?", failure.class, failure.message ~= "" and ": " .. failure.message or "")
+  local message = failure.message ~= "" and ": " .. failure.message or ""
+  stop("%s:%s: unhandled %s%s", name, failure.line or "?", failure.class, message)
 elseif not done then
   stop("%s", failure)
 end

@@ -1,6 +1,6 @@
--- What a statement stands in: its line, routine, blocks and variables, and the Lua text so far. Each
--- statement's Lua stands in the line of the listing that it comes from, so that what Lua reports at run
--- time names the right line.
+-- What a statement stands in: its line, routine, blocks and variables, and the Lua text so far.
+-- Each statement's Lua stands in the line of the listing that it comes from, so that what Lua
+-- reports at run time names the right line.
 local types = require "listing.types"
 
 local Context = {}
@@ -9,13 +9,9 @@ Context.__index = Context
 -- `library` is a table of rows by folded name (see library.lua).
 function Context.new(library)
   local own = setmetatable({}, {__index = library})
-  local cx = setmetatable({library = own, blocks = {}, labels = 0, parts = {}}, Context)
-  cx.try = function(attempt)
-    local done, answer = pcall(attempt)
-    if done or type(answer) == "table" and answer.problem then return answer end
-    error(answer, 0)
-  end
-  cx:start_routine("main", nil)
+  local cx = setmetatable({library = own, labels = 0}, Context)
+  cx.parts = {main = {line = 1}, routines = {line = 1}}
+  cx:start_routine("main", {})
   return cx
 end
 
@@ -35,12 +31,10 @@ end
 
 -- Routines, blocks and variables.
 
-function Context:start_routine(part, result)
-  self.outer = self.routine
-  self.parts[part] = self.parts[part] or {line = 1}
-  self.part = self.parts[part]
-  self.routine = {result = result, tries = 0, blocks = self.blocks, scope = {}}
-  self.scope, self.blocks = self.routine.scope, {}
+-- Starts a routine, or goes on with one, outside of its blocks, in a part of the text.
+function Context:start_routine(part, routine)
+  routine.tries, routine.scope = 0, routine.scope or {}
+  self.part, self.routine, self.scope, self.blocks = self.parts[part], routine, routine.scope, {}
 end
 
 function Context:variable(name)
@@ -68,7 +62,7 @@ function Context:open(kind, fields)
   return block
 end
 
--- A new part of the innermost block, which must be of this kind: its variables are not those before.
+-- A new part of the innermost block, which must be of this kind; the variables before are gone.
 function Context:part_of(kind, word)
   local block = self.blocks[#self.blocks]
   if not block or block.kind ~= kind then self:fail("%s stands outside of %s", word, kind) end
@@ -77,11 +71,18 @@ function Context:part_of(kind, word)
 end
 
 function Context:close(kind, word)
-  local block = table.remove(self.blocks)
+  local block = self.blocks[#self.blocks]
   if not block then self:fail("%s ends nothing", word) end
-  if block.kind ~= kind then self:fail("%s stands where the %s of line %d has no end yet", word, block.kind, block.line) end
+  if block.kind ~= kind then self:no_open_block(word) end
+  self.blocks[#self.blocks] = nil
   self.scope = block.outer
   return block
+end
+
+function Context:no_open_block(word)
+  local block = self.blocks[#self.blocks]
+  if not block then return end
+  self:fail("%s stands where the %s of line %d has no end yet", word, block.kind, block.line)
 end
 
 function Context:label()
@@ -89,7 +90,7 @@ function Context:label()
   return tostring(self.labels)
 end
 
--- Leaves for a label, or with "return". A Try's body is a Lua function, which answers where to go on.
+-- Leaves for a label, or with "return". A Try's body is a Lua function: it answers where to go on.
 function Context:leave(target, tries, value)
   if self.routine.tries == tries then
     if target == "return" then return "do return " .. (value or "") .. " end" end

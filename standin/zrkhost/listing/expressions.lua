@@ -1,37 +1,33 @@
--- Expressions as Lua text. Each answers its text and its type, which decides what a "+" or a pair of
--- parentheses means, and whether the host's compiler would take it.
+-- Expressions as Lua text. Each answers its text and its type, which decides what a "+" or a pair
+-- of parentheses means, and whether the host's compiler would take it.
 --
--- `cx` is what the statement stands in: cx:fail(message), cx:variable(name) and cx.library.
+-- `cx` is what the expression stands in: cx:fail(message, ...), cx:variable(name), cx.library.
 local types = require "listing.types"
 
 local expressions = {}
 local write = {} -- by the node's tag: (cx, node, expected type) -> text, type
+local article, element_of, family = types.article, types.element, types.family
 
 function expressions.write(cx, node, expected)
   return write[node.tag](cx, node, expected)
 end
 
--- An expression as a value of one type.
+-- An expression as a value of one type; `what` names it in messages.
 function expressions.value(cx, node, type, what)
   local code, from = expressions.write(cx, node, type)
   return types.convert(code, from, type)
-    or cx:fail("%s: expected %s, not %s", what, expressions.article(type), expressions.article(from))
-end
-
-function expressions.article(type)
-  if type == "" then return "nothing" end
-  if type == "Nil" then return "Nil" end
-  return (type:find "^[AEIO]" and "an " or "a ") .. type
+    or cx:fail("%s: expected %s, not %s", what, article(type), article(from))
 end
 
 function write.literal(_, node)
   local value = node.value
-  if type(value) == "string" then return ("%q"):format(value):gsub("\n", "n"), "String" end
+  if type(value) == "string" then return ("%q"):format(value), "String" end
   if type(value) == "boolean" then return tostring(value), "Boolean" end
   return tostring(value), math.type(value) == "integer" and "Integer" or "Double"
 end
 write["nil"] = function() return "nil", "Nil" end
 
+-- What is Lua text already.
 function write.code(_, node) return node.code, node.type end
 
 function write.paren(cx, node, expected)
@@ -40,88 +36,104 @@ function write.paren(cx, node, expected)
 end
 
 write["not"] = function(cx, node)
-  return "(not " .. expressions.value(cx, node.operand, "Boolean", "what Not takes") .. ")", "Boolean"
+  return "(not " .. expressions.value(cx, node.operand, "Boolean", "Not") .. ")", "Boolean"
 end
 
 function write.minus(cx, node)
   local code, type = expressions.write(cx, node.operand)
-  if not types.number(type) then cx:fail("there is no negative of %s", expressions.article(type)) end
+  if not types.number(type) then cx:fail("there is no negative of %s", article(type)) end
   return "(- " .. code .. ")", type
 end
 
 function write.isa(cx, node)
   local code, type = expressions.write(cx, node.base)
-  local class = types.named(node.class) or cx:fail("there is no class %s", node.class)
-  if not types.object(type) and type ~= "Variant" then cx:fail("IsA takes an object, not %s", expressions.article(type)) end
-  return ("L.isa(%s, %q)"):format(code, class), "Boolean"
+  if not types.object(type) and type ~= "Variant" then
+    cx:fail("IsA takes an object, not %s", article(type))
+  end
+  return ("L.isa(%s, %q)"):format(code, cx:type(node.class)), "Boolean"
 end
 
-local lua_operator = {["="] = "==", ["<>"] = "~="}
-local function compare(cx, op, left, left_type, right, right_type)
-  local lua = lua_operator[op] or op
-  local equality = op == "=" or op == "<>" or op == "Is"
-  if types.number(left_type) and types.number(right_type) then return left .. " " .. lua .. " " .. right end
-  if left_type == "String" and right_type == "String" or (left_type == "Variant" or right_type == "Variant") and not equality then
-    return ("L.order(%s, %s) %s 0"):format(left, right, lua)
-  end
-  if not equality then return nil end
-  if left_type == "Boolean" and right_type == "Boolean" then return left .. " " .. lua .. " " .. right end
-  local objects = (types.object(left_type) or left_type == "Variant") and (types.object(right_type) or right_type == "Variant")
-  if op == "Is" then return objects and ("L.equal(%s, %s)"):format(left, right) end
-  if objects or left_type == "Variant" or right_type == "Variant" then
-    return (op == "<>" and "not " or "") .. ("L.equal(%s, %s)"):format(left, right)
+-- Operators: functions of both sides, texts and types, that answer text and type, or nil where they
+-- do not take such sides.
+
+local function comparison(lua, equality)
+  return function(left, left_type, right, right_type)
+    local a, b = family(left_type), family(right_type)
+    local plain = a == b and (a == "number" or a == "Boolean" and equality)
+    local ordered = a == b and a == "String"
+                    or not equality and (a == "Variant" or b == "Variant")
+    local form
+    if plain then
+      form = "%s " .. lua .. " %s"
+    elseif ordered then
+      form = "L.order(%s, %s) " .. lua .. " 0"
+    elseif equality and (a == "Variant" or b == "Variant" or a == "object" and b == "object") then
+      form = (lua == "~=" and "not " or "") .. "L.equal(%s, %s)"
+    end
+    return form and form:format(left, right), "Boolean"
   end
 end
 
-local function bits_or_logic(logic, bits)
-  return function(_, _, left, left_type, right, right_type)
-    if left_type == "Boolean" and right_type == "Boolean" then return left .. logic .. right, "Boolean" end
-    if left_type == "Integer" and right_type == "Integer" then return left .. bits .. right, "Integer" end
-  end
-end
 local function arithmetic(form, result)
-  return function(_, _, left, left_type, right, right_type)
+  return function(left, left_type, right, right_type)
     if not types.number(left_type) or not types.number(right_type) then return nil end
     local whole = left_type == "Integer" and right_type == "Integer"
     return form:format(left, right), result or (whole and "Integer" or "Double")
   end
 end
-local add = arithmetic "%s + %s"
 
-local binary = {
-  ["-"] = arithmetic "%s - %s", ["*"] = arithmetic "%s * %s", ["/"] = arithmetic("%s / %s", "Double"),
-  ["^"] = arithmetic("%s ^ %s", "Double"), ["\\"] = arithmetic("L.quotient(%s, %s)", "Integer"),
-  Mod = arithmetic("L.remainder(%s, %s)", "Integer"),
-  And = bits_or_logic(" and ", " & "), Or = bits_or_logic(" or ", " | "), Xor = bits_or_logic(" ~= ", " ~ "),
-  ["+"] = function(cx, op, left, left_type, right, right_type)
-    if left_type == "String" and right_type == "String" then return ("L.concat(%s, %s)"):format(left, right), "String" end
-    if left_type == "Variant" or right_type == "Variant" then return ("L.add(%s, %s)"):format(left, right), "Variant" end
-    return add(cx, op, left, left_type, right, right_type)
-  end,
-}
-for _, op in ipairs {"=", "<>", "<", ">", "<=", ">=", "Is"} do
-  binary[op] = function(...) return compare(...), "Boolean" end
+-- Of truth values, or of the bits of whole numbers.
+local function logic(form, bits)
+  return function(left, left_type, right, right_type)
+    if left_type ~= right_type then return nil end
+    local fitting = left_type == "Boolean" and form or left_type == "Integer" and bits
+    return fitting and fitting:format(left, right), left_type
+  end
 end
 
--- The value of a Variant, or a block of memory, that meets a String, number or truth value.
+local add = arithmetic "%s + %s"
+local function plus(left, left_type, right, right_type)
+  if left_type == "String" and right_type == "String" then
+    return ("L.concat(%s, %s)"):format(left, right), "String"
+  elseif left_type == "Variant" or right_type == "Variant" then
+    return ("L.add(%s, %s)"):format(left, right), "Variant"
+  end
+  return add(left, left_type, right, right_type)
+end
+
+local function same_object(left, left_type, right, right_type)
+  if not types.object(left_type) and left_type ~= "Variant" then return nil end
+  return comparison("==", true)(left, left_type, right, right_type)
+end
+
+local operators = {
+  ["="] = comparison("==", true), ["<>"] = comparison("~=", true), Is = same_object,
+  ["<"] = comparison "<", [">"] = comparison ">",
+  ["<="] = comparison "<=", [">="] = comparison ">=",
+  ["+"] = plus, ["-"] = arithmetic "%s - %s", ["*"] = arithmetic "%s * %s",
+  ["/"] = arithmetic("%s / %s", "Double"), ["^"] = arithmetic("%s ^ %s", "Double"),
+  ["\\"] = arithmetic("L.quotient(%s, %s)", "Integer"),
+  Mod = arithmetic("L.remainder(%s, %s)", "Integer"),
+  And = logic("%s and %s", "%s & %s"), Or = logic("%s or %s", "%s | %s"),
+  Xor = logic("%s ~= %s", "%s ~ %s"),
+}
+
+-- A Variant that meets a number or truth value, and a memory block that meets a string, become one.
 local function meet(code, type, other)
-  local wants_it = type == "Variant" and (types.number(other) or other == "Boolean")
-                   or type == "MemoryBlock" and other == "String"
-  if not wants_it then return code, type end
-  return types.convert(code, type, other), other
+  local becomes = type == "Variant" and (types.number(other) or other == "Boolean")
+                  or type == "MemoryBlock" and other == "String"
+  if becomes then return types.convert(code, type, other), other end
+  return code, type
 end
 
 function write.binary(cx, node)
   local left, left_type = expressions.write(cx, node.left)
   local right, right_type = expressions.write(cx, node.right)
-  if not lua_operator[node.op] and node.op ~= "Is" then
-    local own_left = left_type
-    left, left_type = meet(left, left_type, right_type)
-    right, right_type = meet(right, right_type, own_left)
-  end
-  local code, type = binary[node.op](cx, node.op, left, left_type, right, right_type)
+  local met, met_type = meet(left, left_type, right_type)
+  right, right_type = meet(right, right_type, left_type)
+  local code, type = operators[node.op](met, met_type, right, right_type)
   if code then return "(" .. code .. ")", type end
-  cx:fail("%s does not take %s and %s", node.op, expressions.article(left_type), expressions.article(right_type))
+  cx:fail("%s does not take %s and %s", node.op, article(left_type), article(right_type))
 end
 
 -- Calls: the rows that a name may mean, the one that fits, and its arguments.
@@ -137,6 +149,7 @@ local function count_text(rows)
   return range .. (range == "1" and " argument" or " arguments")
 end
 
+-- "T" and "T()" of a row for arrays, where the elements are known.
 local function substitute(type, element) return (type:gsub("^T%f[^%w]", element or "T")) end
 
 -- The arguments as Lua text, and what their conversions cost; nil and why where they do not fit.
@@ -147,15 +160,14 @@ local function fit(cx, row, arguments, element)
     local code, from, cost = parameter.code, wanted, 0
     if arguments[i] then
       code, from = expressions.write(cx, arguments[i], wanted)
-      if wanted == "T()" and types.element(from) then wanted = from end
+      if wanted == "T()" and element_of(from) then wanted = from end
       code, cost = types.convert(code, from, wanted)
     end
     if not code then
-      return nil, ("%s of %s: expected %s, not %s"):format(parameter.name, row.name, expressions.article(wanted),
-                                                    expressions.article(from))
+      return nil, ("%s of %s: expected %s, not %s"):format(parameter.name, row.name,
+                                                           article(wanted), article(from))
     end
-    codes[#codes + 1] = code
-    total = total + cost
+    codes[i], total = code, total + cost
   end
   return codes, total
 end
@@ -170,48 +182,51 @@ local function choose(cx, rows, arguments, element)
     end
   end
   if best then return best, codes end
-  cx:fail("%s", problem or ("%s takes %s, not %d"):format(rows[1].name, count_text(rows), #arguments))
+  cx:fail("%s", problem or ("%s takes %s, not %d"):format(rows[1].name, count_text(rows),
+                                                          #arguments))
 end
 
--- What a name with arguments stands for: text, type, and where it can be set, set(text) as a statement.
+-- Places: {code, type}, with set(text), a statement, where something can be put there, and the row
+-- or variable that it is.
+
 local function call(cx, rows, arguments, receiver, element)
   local row, codes = choose(cx, rows, arguments, element)
   if receiver then table.insert(codes, 1, receiver) end
-  local type = substitute(row.result, element)
-  local place = {type = type, code = row.code .. "(" .. table.concat(codes, ", ") .. ")", row = row}
+  local given = table.concat(codes, ", ")
+  local place = {type = substitute(row.result, element), code = row.code .. "(" .. given .. ")",
+                 row = row}
   if row.setter then
-    place.set = function(value)
-      codes[#codes + 1] = value
-      return row.setter .. "(" .. table.concat(codes, ", ") .. ")"
+    function place.set(value)
+      return row.setter .. "(" .. given .. (given ~= "" and ", " or "") .. value .. ")"
     end
   end
   return place
 end
 
 local function array_literal(cx, arguments, expected)
-  local element = expected and types.element(expected)
-  local codes = {}
+  local element = expected and element_of(expected)
+  local codes = {tostring(#arguments)}
   for i, argument in ipairs(arguments) do
     local code, type = expressions.write(cx, argument)
     element = element or type
-    codes[i] = types.convert(code, type, element)
+    codes[i + 1] = types.convert(code, type, element)
       or cx:fail("an Array of %s holds no %s", element, type)
   end
-  if not element then cx:fail("Array takes at least 1 argument here") end
-  return {code = "L.array(" .. table.concat({tostring(#codes), table.unpack(codes)}, ", ") .. ")", type = element .. "()"}
+  if not element then cx:fail("what such an Array holds is not known") end
+  return {code = "L.array(" .. table.concat(codes, ", ") .. ")", type = element .. "()"}
 end
 
 local function index(cx, code, type, arguments)
   if #arguments ~= 1 then cx:fail("an element of an array has one index") end
-  local at = expressions.value(cx, arguments[1], "Integer", "an index")
-  return {
-    code = ("L.at(%s, %s)"):format(code, at), type = types.element(type),
-    set = function(value) return ("L.put(%s, %s, %s)"):format(code, at, value) end,
-  }
+  local at = expressions.value(cx, arguments[1], "Integer", "the index")
+  local place = {code = ("L.at(%s, %s)"):format(code, at), type = element_of(type)}
+  function place.set(value) return ("L.put(%s, %s, %s)"):format(code, at, value) end
+  return place
 end
 
+-- The rows of a member of this type.
 local function members(cx, type, name)
-  if types.element(type) then return cx.library["array." .. name:lower()] end
+  if element_of(type) then type = "Array" end
   while type do
     local rows = cx.library[(type .. "." .. name):lower()]
     if rows then return rows end
@@ -220,65 +235,70 @@ local function members(cx, type, name)
 end
 
 -- The functions whose first parameter is a String are methods of strings, too.
-local function extends(cx, name, type)
-  if type ~= "String" then return nil end
+local function extending(cx, type, name)
   local rows = {}
-  for _, row in ipairs(cx.library[name:lower()] or {}) do
+  for _, row in ipairs(type == "String" and cx.library[name:lower()] or {}) do
     if row.parameters[1] and row.parameters[1].type == "String" then rows[#rows + 1] = row end
   end
   return rows[1] and rows
 end
 
-local resolve
-
-local function member(cx, node, arguments)
-  local base, name = node.base, node.name
-  if base.tag == "name" and not cx:variable(base.name) then
-    local rows = cx.library[(base.name .. "." .. name):lower()]
-    if rows and (rows[1].static or not types.named(base.name)) then return call(cx, rows, arguments) end
-    if types.named(base.name) then cx:fail("the class %s itself has no %s", types.named(base.name), name) end
-  end
-  local code, type = expressions.write(cx, base)
-  local rows = members(cx, type, name)
-  if rows then return call(cx, rows, arguments, code, types.element(type)) end
-  rows = extends(cx, name, type)
-  if not rows then cx:fail("%s has no %s", type == "" and "nothing" or type, name) end
-  return call(cx, rows, {{tag = "code", code = code, type = type}, table.unpack(arguments)})
+-- What stands behind the name of a class or module; nil where the base is a value.
+local function static_member(cx, node, arguments)
+  local base = node.base
+  if base.tag ~= "name" or cx:variable(base.name) then return nil end
+  local class = types.named(base.name)
+  local rows = cx.library[(base.name .. "." .. node.name):lower()]
+  if rows and (rows[1].static or not class) then return call(cx, rows, arguments) end
+  if class then cx:fail("the class %s itself has no %s", class, node.name) end
 end
 
--- A place is {code, type, set}: what stands there, and how to put something there.
-function resolve(cx, node, arguments, expected)
-  if node.tag == "member" then
-    local place
-    local rows_take = arguments
-    if not rows_take then return member(cx, node, {}) end
-    place = cx.try(function() return member(cx, node, rows_take) end)
-    if place.code then return place end
-    local whole = cx.try(function() return member(cx, node, {}) end)
-    if whole.code and types.element(whole.type) and #arguments == 1 then return index(cx, whole.code, whole.type, arguments) end
-    cx:fail("%s", place.problem)
+local function member(cx, node, arguments)
+  local static = static_member(cx, node, arguments or {})
+  if static then return static end
+  local code, type = expressions.write(cx, node.base)
+  local rows = members(cx, type, node.name)
+  if not rows then
+    rows = extending(cx, type, node.name)
+      or cx:fail("%s has no %s", type == "" and "nothing" or type, node.name)
+    return call(cx, rows, {{tag = "code", code = code, type = type}, table.unpack(arguments or {})})
   end
-  if node.tag ~= "name" then
-    local code, type = expressions.write(cx, node)
-    if arguments and types.element(type) then return index(cx, code, type, arguments) end
-    if arguments then cx:fail("%s is not called", expressions.article(type)) end
-    return {code = code, type = type}
+  -- The parentheses behind a member without parameters are those of the array that it answers.
+  if arguments and #arguments > 0 and #rows[1].parameters == 0 and element_of(rows[1].result) then
+    local array = call(cx, rows, {}, code, element_of(type))
+    return index(cx, array.code, array.type, arguments)
   end
+  return call(cx, rows, arguments or {}, code, element_of(type))
+end
+
+local function named(cx, node, arguments, expected)
   local variable = cx:variable(node.name)
-  if variable and not arguments then
-    return {code = variable.code, type = variable.type, variable = variable, set = not variable.constant and
-      function(value) return variable.code .. " = " .. value end or nil}
+  if not variable then
+    if node.name:lower() == "array" then return array_literal(cx, arguments or {}, expected) end
+    local rows = cx.library[node.name:lower()] or cx:fail("there is no %s", node.name)
+    return call(cx, rows, arguments or {})
   end
-  if variable and types.element(variable.type) then return index(cx, variable.code, variable.type, arguments) end
-  if variable then cx:fail("%s is %s and takes no arguments", node.name, expressions.article(variable.type)) end
-  if node.name:lower() == "array" and arguments then return array_literal(cx, arguments, expected) end
-  local rows = cx.library[node.name:lower()] or cx:fail("there is no %s", node.name)
-  return call(cx, rows, arguments or {})
+  if arguments and element_of(variable.type) then
+    return index(cx, variable.code, variable.type, arguments)
+  elseif arguments then
+    cx:fail("%s is %s and takes no arguments", node.name, article(variable.type))
+  end
+  local place = {code = variable.code, type = variable.type, variable = variable}
+  if not variable.constant then
+    function place.set(value) return variable.code .. " = " .. value end
+  end
+  return place
 end
 
 function expressions.place(cx, node, expected)
-  if node.tag == "call" then return resolve(cx, node.base, node.arguments, expected) end
-  return resolve(cx, node, nil, expected)
+  local arguments
+  if node.tag == "call" then node, arguments = node.base, node.arguments end
+  if node.tag == "name" then return named(cx, node, arguments, expected) end
+  if node.tag == "member" then return member(cx, node, arguments) end
+  local code, type = expressions.write(cx, node)
+  if not arguments then return {code = code, type = type} end
+  if not element_of(type) then cx:fail("%s takes no arguments", article(type)) end
+  return index(cx, code, type, arguments)
 end
 
 local function read(cx, node, expected)
@@ -288,7 +308,7 @@ end
 write.name, write.call, write.member = read, read, read
 
 function write.new(cx, node)
-  local class = types.named(node.class) or cx:fail("there is no class %s", node.class)
+  local class = cx:type(node.class)
   local rows = cx.library[class:lower() .. ".constructor"] or cx:fail("there is no New %s", class)
   return call(cx, rows, node.arguments or {}).code, class
 end

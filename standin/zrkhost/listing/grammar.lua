@@ -7,7 +7,7 @@ local C, Cc, Cg, Cmt, Cs, Ct = lpeg.C, lpeg.Cc, lpeg.Cg, lpeg.Cmt, lpeg.Cs, lpeg
 
 local grammar = {}
 
-local farthest -- how far the reading of a line got, for messages
+local farthest = 1 -- how far the reading of a line got, for messages
 
 local space = S " \t" ^ 0 * Cmt(P(true), function(_, at)
   farthest = math.max(farthest, at)
@@ -19,7 +19,14 @@ local word_end = -(letter + R "09")
 local function token(text) return P(text) * space end
 local function list(item, separator) return item * (separator * item) ^ 0 end
 
+-- Words that no name may be: those below, and what else the host's language keeps for itself.
 local reserved = {}
+for word in ([[AddressOf Aggregates Assigns Async Attributes Await Break Class Declare Delegate Enum
+    Event Extends Global GoTo Handles Implements Inherits Interface Lib Me Module Namespace Object
+    Of Private Property Protected Public RaiseEvent RemoveHandler Self Shared Soft Static Structure
+    Super Using WeakAddressOf With]]):gmatch "%a+" do
+  reserved[word:lower()] = true
+end
 local function keyword(text)
   local pattern = P(true)
   for one in text:gmatch "%S+" do
@@ -73,6 +80,7 @@ end
 local function level(operators, operand)
   return Ct(list(operand, operators)) / fold_binary
 end
+local function postfix(first, following) return Ct(first * following) / fold_postfix end
 local function operator(text)
   local pattern = text:find "%a" and keyword(text) or token(text)
   return pattern * Cc(text)
@@ -80,6 +88,7 @@ end
 
 local arguments = field("arguments", Ct(list(V "expression", comma) ^ -1))
 local parentheses = open * arguments * close
+local member = node("member", token "." * field("name", any_name))
 local comparison = operator "<=" + operator ">=" + operator "<>" + operator "=" + operator "<"
                    + operator ">"
 
@@ -93,9 +102,8 @@ local expressions = {
   negation = node("not", keyword "Not" * field("operand", V "negation")) + V "sign",
   sign = node("minus", token "-" * field("operand", V "sign")) + token "+" * V "sign" + V "power",
   power = level(operator "^", V "isa"),
-  isa = Ct(V "postfix" * (node("isa", keyword "IsA" * field("class", type_name))) ^ -1) / fold_postfix,
-  postfix = Ct(V "primary" * (node("call", parentheses)
-                              + node("member", token "." * field("name", any_name))) ^ 0) / fold_postfix,
+  isa = postfix(V "postfix", node("isa", keyword "IsA" * field("class", type_name)) ^ -1),
+  postfix = postfix(V "primary", (node("call", parentheses) + member) ^ 0),
   primary = node("literal", field("value", number) * space)
             + node("literal", field("value", quoted) * space)
             + node("literal", keyword "True" * field("value", Cc(true)))
@@ -111,12 +119,12 @@ local initial = token "=" * field("value", V "expression")
 local bounds = open * field("bounds", Ct(list(V "expression", comma) ^ -1)) * close
 local item = Ct(field("name", name) * bounds ^ -1)
 local group = Ct(field("items", Ct(list(item, comma)))
-                 * (keyword "As" * flag("new", keyword "New") * field("type", type_name) * parentheses ^ -1
-                    + as_type * initial ^ -1))
+                 * (keyword "As" * flag("new", keyword "New") * field("type", type_name)
+                    * parentheses ^ -1 + as_type * initial ^ -1))
 local array_mark = flag("array", open * close)
-local parameter = Ct((flag("by_reference", keyword "ByRef") + keyword "ByVal") ^ -1
-                     * (flag("optional", keyword "Optional") + flag("rest", keyword "ParamArray")) ^ -1
-                     * field("name", any_name) * array_mark ^ -1 * as_type * initial ^ -1)
+local unknown = field("unknown", operator "ByRef" + operator "Optional" + operator "ParamArray")
+local parameter = Ct((unknown + keyword "ByVal") ^ -1 * field("name", any_name) * array_mark ^ -1
+                     * as_type * initial ^ -1)
 local parameters = field("parameters", open * Ct(list(parameter, comma) ^ -1) * close)
 local result = as_type * array_mark ^ -1
 local condition = field("condition", V "expression")
@@ -128,9 +136,8 @@ local choice = range + node("is", keyword "Is" * field("op", comparison) * field
 local loop_end = flag("negated", keyword "While") * condition + keyword "Until" * condition
 
 local line_end = P(-1)
--- A call without parentheses: "a.b c, d". Parentheses before the last name belong to what stands before.
-local bare = Ct(V "primary" * (node("call", parentheses * #P ".")
-                               + node("member", token "." * field("name", any_name))) ^ 0) / fold_postfix
+-- What is called without parentheses: "a.b" of "a.b c, d".
+local bare = postfix(V "primary", (node("call", parentheses * #P ".") + member) ^ 0)
 
 local statements = {
   node("dim", (keyword "Dim" + keyword "Var") * field("groups", Ct(list(group, comma)))),
@@ -141,16 +148,17 @@ local statements = {
   node("if", keyword "If" * condition * keyword "Then"),
   node("elseif", keyword "ElseIf" * condition * keyword "Then"),
   node("else", keyword "Else"),
-  node("end", (keyword "End" * field("kind", operator "If" + operator "Select" + operator "Try" + operator "Sub"
-                                             + operator "Function"))),
+  node("end", keyword "End" * field("kind", operator "If" + operator "Select" + operator "Try"
+                                            + operator "Sub" + operator "Function")),
   node("while", keyword "While" * condition),
   node("wend", keyword "Wend"),
   node("do", keyword "Do" * loop_end ^ -1),
   node("loop", keyword "Loop" * loop_end ^ -1),
   node("for_each", keyword "For Each" * field("name", name) * as_type ^ -1 * keyword "In"
                    * field("values", V "expression")),
-  node("for", keyword "For" * field("name", name) * as_type ^ -1 * token "=" * field("first", V "expression")
-              * (keyword "To" + flag("down", keyword "DownTo")) * field("last", V "expression")
+  node("for", keyword "For" * field("name", name) * as_type ^ -1 * token "="
+              * field("first", V "expression") * (keyword "To" + flag("down", keyword "DownTo"))
+              * field("last", V "expression")
               * (keyword "Step" * field("step", V "expression")) ^ -1),
   node("next", keyword "Next" * field("name", name) ^ -1),
   node("select", keyword "Select Case" * field("value", V "expression")),
@@ -190,7 +198,8 @@ for i, pattern in ipairs(statements) do ended[i] = pattern * line_end end
 local statement = space * complete(choose(ended) + V "simple" * line_end)
 
 -- Rows of the library and members of registered classes: "Class.Name(p As Type = value) As Type()".
-local declaration = space * complete(Ct(field("name", type_name) * parameters ^ -1 * result ^ -1) * line_end)
+local declared = Ct(field("name", type_name) * parameters ^ -1 * result ^ -1)
+local declaration = space * complete(declared * line_end)
 
 -- The statement in a line; nil and how far the line could be read where it is none.
 function grammar.statement(text)
@@ -199,7 +208,6 @@ function grammar.statement(text)
 end
 
 function grammar.declaration(text)
-  farthest = 1
   return declaration:match(text) or error("not a declaration: " .. text)
 end
 
@@ -208,17 +216,16 @@ local code = C((P '"' * (1 - P '"') ^ 0 * P '"' + (1 - comment)) ^ 0)
 
 -- The lines of a listing without comments, those that " _" continues as one: {text = , line = }.
 function grammar.lines(source)
-  local lines, number_, pending = {}, 0, nil
+  local lines, count, begun = {}, 0, nil
   for text in (source:gsub("\r\n?", "\n") .. "\n"):gmatch "(.-)\n" do
-    number_ = number_ + 1
+    count = count + 1
     text = code:match(text):gsub("^%s*[Rr][Ee][Mm]%f[^%w_].*", "")
-    local line = pending or {text = "", line = number_}
-    local kept = (" " .. text):match "^(.*%s)_%s*$"
-    line.text = line.text .. (kept or text)
-    pending = kept and line or nil
-    if not kept and line.text:find "%S" then lines[#lines + 1] = {text = line.text:match "^%s*(.-)%s*$", line = line.line} end
+    local continued = (" " .. text):match "^(.*%s)_%s*$"
+    begun = begun or {text = "", line = count}
+    begun.text = begun.text .. (continued or text)
+    if begun.text:find "%S" and lines[#lines] ~= begun then lines[#lines + 1] = begun end
+    if not continued then begun = nil end
   end
-  if pending then lines[#lines + 1] = pending end
   return lines
 end
 

@@ -5,8 +5,8 @@ local rows = require "listing.rows"
 local text = require "listing.text"
 local types = require "listing.types"
 
-local exceptions = {"OutOfBounds", "NilObject", "OutOfMemory", "TypeMismatch", "KeyNotFound", "IllegalCast",
-                    "UnsupportedFormat", "InvalidArgument", "StackOverflow"}
+local exceptions = {"OutOfBounds", "NilObject", "OutOfMemory", "TypeMismatch", "KeyNotFound",
+                    "IllegalCast", "UnsupportedFormat", "InvalidArgument", "StackOverflow"}
 types.class("RuntimeException")
 for _, name in ipairs(exceptions) do types.class(name .. "Exception", "RuntimeException") end
 for _, name in ipairs {"Object", "Dictionary", "MemoryBlock", "TextEncoding"} do
@@ -21,7 +21,9 @@ local function raise(class, message) L.raise(L.exception(class, message)) end
 
 -- Values.
 
-function L.whole(value) return math.tointeger(value < 0 and math.ceil(value) or math.floor(value)) end
+function L.whole(value)
+  return math.tointeger(value < 0 and math.ceil(value) or math.floor(value))
+end
 local function check_divisor(b) if b == 0 then raise("RuntimeException", "division by zero") end end
 function L.quotient(a, b)
   a, b = L.whole(a), L.whole(b)
@@ -59,23 +61,18 @@ function L.add(a, b)
   return a + b
 end
 
-local casts = {
-  String = L.value_text,
-  Double = function(value) return type(value) == "number" and value + 0.0 or text.is(value) and L["Val"](value) end,
-  Integer = function(value) return type(value) == "number" and L.whole(value) or text.is(value) and L.whole(L["Val"](value)) end,
-  Boolean = function(value) if type(value) == "boolean" then return value end end,
-}
+local function number(value) return text.is(value) and L["Val"](value) or value + 0.0 end
+local initial = {String = "", Integer = 0, Double = 0.0, Boolean = false}
 -- What a Variant holds as a value of one type.
 function L.cast(value, wanted)
-  if value == nil then return ({String = "", Integer = 0, Double = 0.0, Boolean = false})[wanted] end
-  local answer = value
-  if casts[wanted] then
-    answer = casts[wanted](value)
-  elseif not types.element(wanted) and not L.isa(value, wanted) then
-    raise "IllegalCastException"
-  end
-  if answer == nil or (answer == false and wanted ~= "Boolean") then raise "TypeMismatchException" end
-  return answer
+  local held = kind(value)
+  local scalar = held == "Integer" or held == "Double" or held == "String"
+  if value == nil then return initial[wanted] end
+  if wanted == "String" then return L.value_text(value) end
+  if wanted == "Double" and scalar then return number(value) end
+  if wanted == "Integer" and scalar then return L.whole(number(value)) end
+  if wanted == held or types.element(wanted) or types.isa(held, wanted) then return value end
+  raise(initial[wanted] ~= nil and "TypeMismatchException" or "IllegalCastException")
 end
 
 -- Arrays: their elements from 0 to n - 1.
@@ -143,7 +140,7 @@ row("Array.Sort", function(array)
   table.move(list, 1, array.n, 0, array)
 end)
 
--- Exceptions. An error of Lua's own is a fault of the translator or the stand-in; nothing catches it.
+-- Exceptions. An error of Lua's own is a fault of translator or stand-in: nothing catches it.
 
 local function is_exception(value) return type(value) == "table" and value.class ~= nil end
 
@@ -178,21 +175,28 @@ function L.try(body, ...)
   return table.unpack(answer, 2, answer.n)
 end
 
-row("RuntimeException.Message As String", function(e) return e.message end, function(e, value) e.message = value end)
-row("RuntimeException.ErrorNumber As Integer", function(e) return e.number end, function(e, value) e.number = value end)
-row("RuntimeException.Constructor", function() return L.exception "RuntimeException" end)
-for _, name in ipairs(exceptions) do
+local function field(class, declaration, name)
+  row(class .. "." .. declaration, function(object) return object[name] end,
+      function(object, value) object[name] = value end)
+end
+field("RuntimeException", "Message As String", "message")
+field("RuntimeException", "ErrorNumber As Integer", "number")
+for _, name in ipairs {"Runtime", table.unpack(exceptions)} do
   row(name .. "Exception.Constructor", function() return L.exception(name .. "Exception") end)
 end
 
--- Dictionary: strings are the same key in upper and lower case; keys stand in the order they came in.
+-- Dictionary: strings are the same key in upper and lower case; keys stand as they came in.
 
 local function fold(key)
   if key == nil then return L end
   return text.is(key) and "s" .. text.lower(text.to_utf8(key)) or key
 end
-row("Dictionary.Constructor", function() return {class = "Dictionary", keys = L.array(), values = {}} end)
-row("Dictionary.HasKey(key As Variant) As Boolean", function(d, key) return d.values[fold(key)] ~= nil end)
+row("Dictionary.Constructor", function()
+  return {class = "Dictionary", keys = L.array(), values = {}}
+end)
+row("Dictionary.HasKey(key As Variant) As Boolean", function(d, key)
+  return d.values[fold(key)] ~= nil
+end)
 row("Dictionary.Value(key As Variant) As Variant", function(d, key)
   local held = d.values[fold(key)] or raise "KeyNotFoundException"
   return held.value
@@ -213,7 +217,7 @@ row("Dictionary.Remove(key As Variant)", function(d, key)
   end
 end)
 row("Dictionary.Count As Integer", function(d) return d.keys.n end, nil, property)
-row("Dictionary.Key(index As Integer) As Variant", function(d, index) return L.at(d.keys, index) end)
+row("Dictionary.Key(index As Integer) As Variant", function(d, i) return L.at(d.keys, i) end)
 row("Dictionary.Keys As Variant()", function(d)
   local keys = L.array()
   for i, key in L.each(d.keys) do insert(keys, i, key) end
@@ -236,8 +240,11 @@ local function write(block, offset, data)
 end
 function L.block_text(block) return text.make(read(block or L.raise(), 0, block:size()), nil) end
 function L.text_block(s) return host.memoryblock(text.bytes(s)) end
-row("MemoryBlock.Constructor(size As Integer)", function(size) return host.memoryblock(("\0"):rep(size)) end)
-row("MemoryBlock.Size As Integer", function(block) return block:size() end, function(block, size) block:resize(size) end)
+row("MemoryBlock.Constructor(size As Integer)", function(size)
+  return host.memoryblock(("\0"):rep(size))
+end)
+row("MemoryBlock.Size As Integer", function(block) return block:size() end,
+    function(block, size) block:resize(size) end)
 row("MemoryBlock.StringValue(offset As Integer, size As Integer) As String",
     function(block, offset, size) return text.make(read(block, offset, size), nil) end,
     function(block, offset, size, s)
@@ -247,13 +254,14 @@ row("MemoryBlock.CString(offset As Integer) As String", function(block, offset)
   span(block, offset, 0)
   return text.make(block:read(offset):match "^%Z*", nil)
 end, function(block, offset, s) write(block, offset, text.bytes(s) .. "\0") end)
-for name, format in pairs {Byte = "B", UInt8Value = "B", Int8Value = "b", UInt16Value = "I2", Int16Value = "i2",
-                           UInt32Value = "I4", Int32Value = "i4", Long = "i4", Short = "i2"} do
-  row(("MemoryBlock.%s(offset As Integer) As Integer"):format(name),
-      function(block, offset) return (string.unpack("<" .. format, read(block, offset, string.packsize(format)))) end,
-      function(block, offset, value)
-        write(block, offset, ("<I8"):pack(value):sub(1, string.packsize(format)))
-      end)
+for name, format in pairs {Byte = "<B", UInt8Value = "<B", Int8Value = "<b", UInt16Value = "<I2",
+                           Int16Value = "<i2", UInt32Value = "<I4", Int32Value = "<i4"} do
+  local size = format:packsize()
+  row(("MemoryBlock.%s(offset As Integer) As Integer"):format(name), function(block, offset)
+    return (format:unpack(read(block, offset, size)))
+  end, function(block, offset, value)
+    write(block, offset, ("<i8"):pack(value):sub(1, size))
+  end)
 end
 
 -- Output and time.
@@ -269,7 +277,9 @@ row("Microseconds As Double", function() return host.clock() * 1e6 end)
 -- What the host has loaded: `host.describe()` lists methods, properties and constants.
 
 local function to_host(value, wanted)
-  if wanted == "String" and type(value) == "table" then return host.string(text.bytes(value), text.encoding(value) or "unknown") end
+  if wanted == "String" and type(value) == "table" then
+    return host.string(value.bytes, value.encoding or "unknown")
+  end
   if not types.element(wanted) then return value end
   local list = {n = value.n}
   for i, one in L.each(value) do list[i + 1] = to_host(one, text.is(one) and "String" or "") end
@@ -295,11 +305,12 @@ end
 local function host_property(class, declaration, access)
   local name = declaration:match "^%w+"
   row(class .. "." .. declaration, function(object) return object[name] end,
-      access:find "write" and function(object, value) object[name] = to_host(value, "String") end, property)
+      access:find "write" and function(object, value) object[name] = value end, property)
 end
 
 local function host_constant(class, name, value)
-  row(("%s.%s As Integer"):format(class, name), function() return value end, nil, {static = true, property = true})
+  row(("%s.%s As Integer"):format(class, name), function() return value end, nil,
+      {static = true, property = true})
 end
 
 local class

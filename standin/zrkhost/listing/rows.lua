@@ -1,11 +1,11 @@
--- The rows of the library: what listings may call, each with its declaration in the host's language and
--- a function for it.
+-- The rows of the library: what listings may call, each with its declaration in the host's language
+-- and a function for it.
 --
 --   row("Left(source As String, count As Integer) As String", function(s, count) ... end)
---   row("MemoryBlock.Byte(offset As Integer) As Integer", get, set)      -- set(block, offset, byte)
+--   row("MemoryBlock.Byte(offset As Integer) As Integer", get, set)    -- set(block, offset, byte)
 --
--- "Array.Append(value As T)" is a method of every array, T its elements' type. A name whose first part is
--- no class ("System.DebugLog") is that of a module. What translated listings call is `rows.functions`.
+-- "Array.Append(value As T)" is a method of all arrays, T their elements' type. A name whose first
+-- part is no class ("System.DebugLog") is that of a module. Translated text calls `rows.functions`.
 local grammar = require "listing.grammar"
 local types = require "listing.types"
 
@@ -14,8 +14,12 @@ local rows = {by_name = {}, functions = {}}
 local functions = rows.functions
 
 -- An exception of the host, as the library's own: a table with class, message and number.
-function functions.raise(exception) error(exception or {class = "NilObjectException", message = "", number = 0}, 0) end
-function functions.exception(class, message) return {class = class, message = message or "", number = 0} end
+function functions.exception(class, message)
+  return {class = class, message = message or "", number = 0}
+end
+function functions.raise(exception)
+  error(exception or functions.exception "NilObjectException", 0)
+end
 
 local function known(type, array)
   if type == "T" then return array and "T()" or "T" end
@@ -36,7 +40,7 @@ local function guarded(f)
   end
 end
 
--- options.static: a constant or function of a class; options.property: a value, nothing that is done.
+-- options.static: a constant or function of a class; options.property: a value, no deed.
 function rows.row(declaration, get, set, options)
   local parsed = grammar.declaration(declaration)
   local row = {name = parsed.name:match "[^.]*$", parameters = {}, least = 0,
@@ -44,11 +48,13 @@ function rows.row(declaration, get, set, options)
                static = options and options.static, property = set or options and options.property}
   for i, parameter in ipairs(parsed.parameters or {}) do
     local code = literal(parameter.value)
-    row.parameters[i] = {name = parameter.name, type = known(parameter.type, parameter.array), code = code}
+    local type = known(parameter.type, parameter.array)
+    row.parameters[i] = {name = parameter.name, type = type, code = code}
     if not code then row.least = i end
   end
   local class = parsed.name:match "^(.*)%."
-  local is_member = class and types.named(class) and types.object(class) and not row.static and row.name ~= "Constructor"
+  local is_member = class and types.named(class) and types.object(class) and not row.static
+                    and row.name ~= "Constructor"
   local same = rows.by_name[parsed.name:lower()] or {}
   rows.by_name[parsed.name:lower()] = same
   same[#same + 1] = row

@@ -3,6 +3,8 @@ local Context = require "listing.context"
 local expressions = require "listing.expressions"
 local types = require "listing.types"
 
+local article = types.article
+
 local write = {} -- by the statement's tag: (cx, statement)
 
 local function value(cx, node, type, what) return expressions.value(cx, node, type, what) end
@@ -43,16 +45,20 @@ end
 
 function write.redim(cx, statement)
   local target = statement.target
-  if target.tag ~= "call" or #target.arguments ~= 1 then cx:fail("ReDim takes an array and one bound") end
+  if target.tag ~= "call" or #target.arguments ~= 1 then
+    cx:fail("ReDim takes an array and one bound")
+  end
   local code, type = expressions.write(cx, target.base)
-  local element = types.element(type) or cx:fail("ReDim takes an array, not %s", expressions.article(type))
-  cx:emit("L.resize(%s, %s, %s)", code, value(cx, target.arguments[1], "Integer", "a bound"), types.initial(element))
+  local element = types.element(type) or cx:fail("ReDim takes an array, not %s", article(type))
+  local bound = value(cx, target.arguments[1], "Integer", "the bound")
+  cx:emit("L.resize(%s, %s, %s)", code, bound, types.initial(element))
 end
 
 function write.assign(cx, statement)
   local place = expressions.place(cx, statement.target)
   if not place.set then
-    cx:fail(place.variable and "a constant takes no new value" or "%s cannot be set", place.row and place.row.name or "this")
+    local reason = place.variable and "a constant takes no new value" or "%s cannot be set"
+    cx:fail(reason, place.row and place.row.name or "this")
   end
   cx:emit("%s", place.set(value(cx, statement.value, place.type, "what is assigned here")))
 end
@@ -60,9 +66,10 @@ end
 local function run(cx, target, uses_result)
   local place = expressions.place(cx, target)
   if not place.row then cx:fail("this does nothing") end
-  if place.row.property then cx:fail("%s is a value, and nothing is done with it", place.row.name) end
-  if place.type ~= "" and not uses_result then
-    cx:fail("%s answers %s that nobody takes; write Call before it", place.row.name, expressions.article(place.type))
+  local name, result = place.row.name, place.type
+  if place.row.property then cx:fail("%s is a value, and nothing is done with it", name) end
+  if result ~= "" and not uses_result then
+    cx:fail("%s answers %s that nobody takes; write Call before it", name, article(result))
   end
   cx:emit("%s", place.code)
 end
@@ -154,7 +161,8 @@ function write.wend(cx) close_loop(cx, cx:close("While", "Wend")) end
 
 local function loop_end(cx, statement)
   if not statement.condition then return "" end
-  return ("if %s(%s) then break end"):format(statement.negated and "not " or "", condition(cx, statement.condition))
+  local test = condition(cx, statement.condition)
+  return ("if %s(%s) then break end"):format(statement.negated and "not " or "", test)
 end
 
 write["do"] = function(cx, statement)
@@ -172,40 +180,44 @@ local function step_of(cx, statement, type)
   return value(cx, step, type, "a Step"), down
 end
 
-write["for"] = function(cx, statement)
-  local first_type = statement.type and cx:type(statement.type)
+-- Opens a For and answers its block, and its variable: Lua text, type, and "local " for a new one.
+local function open_for(cx, statement)
   local block = cx:open("For", {label = cx:label(), loop = true, name = statement.name})
   local variable = cx:variable(statement.name)
-  if variable and first_type then cx:fail("%s is declared already", statement.name) end
-  if not variable and not first_type then cx:fail("there is no %s", statement.name) end
-  local type = first_type or variable.type
+  if statement.type then
+    local type = cx:type(statement.type)
+    return block, cx:declare(statement.name, type), type, "local "
+  elseif not variable then
+    cx:fail("there is no %s", statement.name)
+  end
+  return block, variable.code, variable.type, ""
+end
+
+write["for"] = function(cx, statement)
+  local block, code, type, new = open_for(cx, statement)
   if not types.number(type) then cx:fail("For counts in numbers, not in %s", type) end
   local first = value(cx, statement.first, type, "the start of For")
-  local code = variable and variable.code or cx:declare(statement.name, type)
+  local last = value(cx, statement.last, type, "the end of For")
   local step, down = step_of(cx, statement, type)
   block.step = ("%s = %s %s %s"):format(code, code, down and "-" or "+", step)
-  cx:emit("do %s%s = %s while %s %s %s do do", variable and "" or "local ", code, first, code, down and ">=" or "<=",
-          value(cx, statement.last, type, "the end of For"))
+  cx:emit("do %s%s = %s while %s %s %s do do", new, code, first, code, down and ">=" or "<=", last)
 end
 
 function write.for_each(cx, statement)
   local values, array = expressions.write(cx, statement.values)
-  local element = types.element(array) or cx:fail("For Each takes an array, not %s", expressions.article(array))
-  local type = statement.type and cx:type(statement.type)
-  local block = cx:open("For", {label = cx:label(), loop = true, name = statement.name})
-  local variable = cx:variable(statement.name)
-  if variable and type then cx:fail("%s is declared already", statement.name) end
-  if not variable and not type then cx:fail("there is no %s", statement.name) end
-  local code = variable and variable.code or cx:declare(statement.name, type)
-  local item, n = types.convert("value_" .. block.label, element, type or variable.type), block.label
-  if not item then cx:fail("the elements are %s, not %s", element, type or variable.type) end
-  cx:emit("do for _, value_%s in L.each(%s) do %s%s = %s do", n, values, variable and "" or "local ", code, item)
+  local element = types.element(array) or cx:fail("For Each takes an array, not %s", article(array))
+  local block, code, type, new = open_for(cx, statement)
+  local each = "value_" .. block.label
+  local item = types.convert(each, element, type)
+    or cx:fail("%s: expected %s, not %s", statement.name, article(type), article(element))
+  cx:emit("do for _, %s in L.each(%s) do %s%s = %s do", each, values, new, code, item)
 end
 
 function write.next(cx, statement)
   local block = cx:close("For", "Next")
   if statement.name and statement.name:lower() ~= block.name:lower() then
-    cx:fail("Next %s ends the For of line %d, which counts %s", statement.name, block.line, block.name)
+    cx:fail("Next %s ends the For of line %d, which counts %s", statement.name, block.line,
+            block.name)
   end
   close_loop(cx, block, block.step)
 end
@@ -229,7 +241,7 @@ function write.continue(cx, statement)
   cx:emit("%s", cx:leave("next_" .. block.label, block.tries))
 end
 
--- Exceptions: "do local signal, value = L.try(function() BODY end, CLASS, function(e) ... end) ... end".
+-- Exceptions: "do local signal, value = L.try(function() BODY end, CLASS, function(e) ... end)".
 
 write.try = function(cx)
   cx:open("Try", {leaves = {}})
@@ -256,7 +268,9 @@ end
 
 function write.raise(cx, statement)
   local code, type = expressions.write(cx, statement.value)
-  if not types.isa(type, "RuntimeException") then cx:fail("Raise takes an exception, not %s", expressions.article(type)) end
+  if not types.isa(type, "RuntimeException") then
+    cx:fail("Raise takes an exception, not %s", article(type))
+  end
   cx:emit("L.raise(%s)", code)
 end
 
@@ -277,11 +291,11 @@ end
 -- Subs and Functions.
 
 local function signature(cx, statement)
-  local row = {name = statement.name, parameters = {}, least = 0, code = "F." .. statement.name:lower(), static = true}
+  local row = {name = statement.name, parameters = {}, least = 0,
+               code = "F." .. statement.name:lower()}
   row.result = statement.type and cx:type(statement.type, statement.array) or ""
   for i, parameter in ipairs(statement.parameters) do
-    local unknown = parameter.by_reference and "ByRef" or parameter.optional and "Optional" or parameter.rest and "ParamArray"
-    if unknown then cx:fail("%s is not known here", unknown) end
+    if parameter.unknown then cx:fail("%s is not known here", parameter.unknown) end
     local type = cx:type(parameter.type, parameter.array)
     local code = parameter.value and value(cx, parameter.value, type, parameter.name)
     row.parameters[i] = {name = parameter.name, type = type, code = code}
@@ -291,30 +305,26 @@ local function signature(cx, statement)
 end
 
 local function open_routine(cx, statement)
-  if #cx.blocks > 0 then
-    cx:fail("a %s stands within the %s of line %d", statement.tag, cx.blocks[#cx.blocks].kind, cx.blocks[#cx.blocks].line)
-  end
-  if cx.routine.name then cx:fail("a %s stands within %s", statement.tag, cx.routine.name) end
+  cx:no_open_block("this")
+  if cx.routine.name then cx:fail("this stands within %s", cx.routine.name) end
   local row = cx.library[statement.name:lower()][1]
-  local main = cx.routine
-  cx:start_routine("routines", row.result ~= "" and row.result or nil)
-  cx.routine.name, cx.routine.main = statement.name, main
-  cx.routine.main_blocks = main.blocks
+  cx:start_routine("routines", {name = statement.name, kind = statement.tag, main = cx.routine,
+                                result = row.result ~= "" and row.result or nil})
   local names = {}
-  for i, parameter in ipairs(row.parameters) do names[i] = cx:declare(parameter.name, parameter.type) end
-  cx.routine.kind = statement.tag
+  for i, parameter in ipairs(row.parameters) do
+    names[i] = cx:declare(parameter.name, parameter.type)
+  end
   cx:emit("function %s(%s)", row.code, table.concat(names, ", "))
 end
 write.sub, write["function"] = open_routine, open_routine
 
 local function end_routine(cx, kind)
   local routine = cx.routine
-  if #cx.blocks > 0 then
-    cx:fail("End %s stands where the %s of line %d has no end yet", kind, cx.blocks[#cx.blocks].kind, cx.blocks[#cx.blocks].line)
-  end
+  cx:no_open_block("End " .. kind)
   if not routine.name or routine.kind ~= kind:lower() then cx:fail("End %s ends nothing", kind) end
-  cx:emit("%s end", routine.result and "do return " .. types.initial(routine.result) .. " end" or "")
-  cx.part, cx.routine, cx.scope, cx.blocks = cx.parts.main, routine.main, routine.main.scope, {}
+  local nothing = routine.result and types.initial(routine.result) or ""
+  cx:emit("do return %s end end", nothing)
+  cx:start_routine("main", routine.main)
 end
 
 write["return"] = function(cx, statement)
@@ -334,28 +344,31 @@ end
 
 local statements = {}
 
--- The Lua text of a listing's routines and of its loose statements. `lines` are those of grammar.lines,
--- each with the statement in it.
+-- The Lua text of a listing's routines and of its loose statements. `lines` are those of
+-- grammar.lines, each with the statement in it.
 function statements.write(lines, library)
   local cx = Context.new(library)
   for _, entry in ipairs(lines) do
     local statement = entry.statement
     cx.line = entry.line
     if statement.tag == "sub" or statement.tag == "function" then
-      if cx.library[statement.name:lower()] then cx:fail("there is a %s already", statement.name) end
-      cx.library[statement.name:lower()] = {signature(cx, statement)}
+      local name = statement.name:lower()
+      if cx.library[name] then cx:fail("there is a %s already", statement.name) end
+      cx.library[name] = {signature(cx, statement)}
     end
   end
   for _, entry in ipairs(lines) do
     cx.line = entry.line
     local block = cx.blocks[#cx.blocks]
-    if block and block.empty and not entry.statement.tag:find "^case" then cx:fail("this stands before the first Case") end
+    if block and block.empty and not entry.statement.tag:find "^case" then
+      cx:fail("this stands before the first Case")
+    end
     write[entry.statement.tag](cx, entry.statement)
   end
   local open = cx.blocks[#cx.blocks]
   if open then cx.line = open.line cx:fail("this %s has no end", open.kind) end
   if cx.routine.name then cx:fail("%s has no End %s", cx.routine.name, cx.routine.kind) end
-  return table.concat(cx.parts.routines or {}), table.concat(cx.parts.main)
+  return table.concat(cx.parts.routines), table.concat(cx.parts.main)
 end
 
 return statements

@@ -1,5 +1,5 @@
--- Strings of the host's language: bytes with an encoding. One in UTF-8 is a plain Lua string; another
--- is a table with its bytes and its encoding's name, nil for a string that has none.
+-- Strings of the host's language: bytes with an encoding. One in UTF-8 is a plain Lua string;
+-- another is a table with its bytes and its encoding's name, nil for a string that has none.
 local text = {}
 
 local Text = {}
@@ -46,8 +46,8 @@ function text.convert(s, encoding)
   return text.make(host.convert(text.bytes(s), text.encoding(s), encoding), encoding)
 end
 
--- What the host makes of strings that meet: their encoding where it is one, none where one has none,
--- UTF-8 otherwise.
+-- What the host makes of strings that meet: their encoding where it is one, none where one has
+-- none, UTF-8 otherwise.
 function text.concat(a, b)
   if type(a) == "string" and type(b) == "string" then return a .. b end
   local one, other = text.encoding(a), text.encoding(b)
@@ -57,19 +57,15 @@ function text.concat(a, b)
   return to_utf8(a) .. to_utf8(b)
 end
 
--- Upper and lower case beyond ASCII: first and last capital, and how far the small letter is from it.
-local cases = {{0xC0, 0xD6, 32}, {0xD8, 0xDE, 32}, {0x391, 0x3A1, 32}, {0x3A3, 0x3A9, 32}, {0x410, 0x42F, 32},
-               {0x400, 0x40F, 80}}
+-- Letters beyond ASCII: first and last capital, and how far the small ones are from them.
+local cases = {{0xC0, 0xD6, 32}, {0xD8, 0xDE, 32}, {0x391, 0x3A1, 32}, {0x3A3, 0x3A9, 32},
+               {0x410, 0x42F, 32}, {0x400, 0x40F, 80}}
 local lower_of, upper_of = {}, {}
 for _, range in ipairs(cases) do
   for code = range[1], range[2] do
     local capital, small = utf8.char(code), utf8.char(code + range[3])
     lower_of[capital], upper_of[small] = small, capital
   end
-end
-for code = 0x100, 0x17E, 2 do
-  local first = code + (((code >= 0x139 and code <= 0x148) or code >= 0x179) and 1 or 0)
-  lower_of[utf8.char(first)], upper_of[utf8.char(first + 1)] = utf8.char(first + 1), utf8.char(first)
 end
 
 function text.lower(s) return (s:lower():gsub("[\xC3-\xD1][\x80-\xBF]", lower_of)) end
@@ -81,7 +77,7 @@ function text.order(a, b)
   return one == other and 0 or one < other and -1 or 1
 end
 
--- Characters of UTF-8, right or wrong: a byte that continues nothing belongs to what stands before it.
+-- The characters of UTF-8, right or wrong: a stray byte belongs to what stands before it.
 function text.length(s) return select(2, s:gsub("[^\x80-\xBF]", "")) end
 
 -- The byte after which `count` characters are over, at most the last one.
@@ -122,15 +118,15 @@ function text.split(s, separator)
   end
 end
 
--- `count` occurrences of `find` replaced, all where it is nil.
+-- The first `count` occurrences of `find` replaced.
 function text.replace(s, find, replacement, count)
   if find == "" then return s end
   local low, low_find, from, parts = text.lower(s), text.lower(find), 1, {}
-  while not count or count > 0 do
+  while count > 0 do
     local first, last = low:find(low_find, from, true)
     if not first then break end
     parts[#parts + 1] = s:sub(from, first - 1) .. replacement
-    from, count = last + 1, count and count - 1
+    from, count = last + 1, count - 1
   end
   return table.concat(parts) .. s:sub(from)
 end

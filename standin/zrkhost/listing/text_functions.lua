@@ -3,9 +3,10 @@ local rows = require "listing.rows"
 local text = require "listing.text"
 
 local L, row = rows.functions, rows.row
-local bytes, to_utf8, through, through_bytes = text.bytes, text.to_utf8, text.through, text.through_bytes
+local bytes, to_utf8, through = text.bytes, text.to_utf8, text.through
+local through_bytes = text.through_bytes
 
-L.concat, L.order_text = text.concat, text.order
+L.concat = text.concat
 
 row("Len(source As String) As Integer", function(s) return text.length(to_utf8(s)) end)
 row("LenB(source As String) As Integer", function(s) return #bytes(s) end)
@@ -18,10 +19,14 @@ local function mid_bytes(s, start, count)
   return s:sub(start, count and start + count - 1 or -1)
 end
 row("MidB(source As String, start As Integer) As String", through_bytes(mid_bytes))
-row("MidB(source As String, start As Integer, length As Integer) As String", through_bytes(mid_bytes))
-row("LeftB(source As String, count As Integer) As String", through_bytes(function(s, count) return s:sub(1, count) end))
-row("RightB(source As String, count As Integer) As String",
-    through_bytes(function(s, count) return s:sub(math.max(#s - count, 0) + 1) end))
+row("MidB(source As String, start As Integer, length As Integer) As String",
+    through_bytes(mid_bytes))
+row("LeftB(source As String, count As Integer) As String", through_bytes(function(s, count)
+  return s:sub(1, count)
+end))
+row("RightB(source As String, count As Integer) As String", through_bytes(function(s, count)
+  return s:sub(math.max(#s - count, 0) + 1)
+end))
 
 local function find_from(start, s, find)
   s, find = to_utf8(s), to_utf8(find)
@@ -29,11 +34,14 @@ local function find_from(start, s, find)
   local at = text.find(s, find, skipped + 1)
   return at and text.length(s:sub(1, at - 1)) + 1 or 0
 end
-local function find_bytes(start, s, find) return bytes(s):find(bytes(find), math.max(start, 1), true) or 0 end
+local function find_bytes(start, s, find)
+  return bytes(s):find(bytes(find), math.max(start, 1), true) or 0
+end
 for name, find in pairs {InStr = find_from, InStrB = find_bytes} do
-  row(name .. "(source As String, find As String) As Integer", function(s, wanted) return find(1, s, wanted) end)
+  local function from_start(s, wanted) return find(1, s, wanted) end
+  row(name .. "(source As String, find As String) As Integer", from_start)
   row(name .. "(start As Integer, source As String, find As String) As Integer", find)
-  row("String." .. name .. "(find As String) As Integer", function(s, wanted) return find(1, s, wanted) end)
+  row("String." .. name .. "(find As String) As Integer", from_start)
   row("String." .. name .. "(start As Integer, find As String) As Integer",
       function(s, start, wanted) return find(start, s, wanted) end)
 end
@@ -48,14 +56,14 @@ row("Titlecase(source As String) As String", through(function(s)
   return (text.lower(s):gsub("%f[^%s\0]([^\x80-\xBF][\x80-\xBF]*)", text.upper))
 end))
 
-local function replace(count, change)
-  return change(function(s, find, replacement) return text.replace(s, to_utf8(find), to_utf8(replacement), count) end)
+for name, count in pairs {Replace = 1, ReplaceAll = math.huge} do
+  row(name .. "(source As String, find As String, replacement As String) As String",
+      through(function(s, find, replacement)
+        return text.replace(s, to_utf8(find), to_utf8(replacement), count)
+      end))
 end
-local arguments = "(source As String, find As String, replacement As String) As String"
-row("Replace" .. arguments, replace(1, through))
-row("ReplaceAll" .. arguments, replace(nil, through))
-row("ReplaceLineEndings(source As String, lineEnding As String) As String", through(function(s, ending)
-  return (s:gsub("\r\n?", "\n"):gsub("\n", (to_utf8(ending):gsub("%%", "%%%%"))))
+row("ReplaceLineEndings(source As String, ending As String) As String", through(function(s, ending)
+  return (s:gsub("\r\n?", "\n"):gsub("\n", {["\n"] = to_utf8(ending)}))
 end))
 
 local function pieces(s, separator)
@@ -68,19 +76,22 @@ row('Join(parts() As String, delimiter As String = " ") As String', function(par
   for i = 1, parts.n - 1 do joined = text.concat(text.concat(joined, delimiter), parts[i]) end
   return joined
 end)
-row("CountFields(source As String, separator As String) As Integer", function(s, separator) return pieces(s, separator).n end)
-row("NthField(source As String, separator As String, number As Integer) As String", function(s, separator, number)
-  return pieces(s, separator)[number - 1] or ""
+row("CountFields(source As String, separator As String) As Integer", function(s, separator)
+  return pieces(s, separator).n
 end)
+row("NthField(source As String, separator As String, number As Integer) As String",
+    function(s, separator, number) return pieces(s, separator)[number - 1] or "" end)
 
-row("StrComp(one As String, other As String, mode As Integer) As Integer", function(one, other, mode)
+row("StrComp(one As String, two As String, mode As Integer) As Integer", function(one, other, mode)
   if mode == 1 then return text.order(one, other) end
   local a, b = bytes(one), bytes(other)
   return a == b and 0 or a < b and -1 or 1
 end)
 
 row("Chr(code As Integer) As String", utf8.char)
-row("ChrB(code As Integer) As String", function(code) return text.make(string.char(code & 0xFF), nil) end)
+row("ChrB(code As Integer) As String", function(code)
+  return text.make(string.char(code & 0xFF), nil)
+end)
 row("Asc(source As String) As Integer", function(s)
   local code = to_utf8(s):match "^[^\x80-\xBF][\x80-\xBF]*"
   return code and utf8.len(code) and utf8.codepoint(code) or bytes(s):byte() or 0
@@ -117,7 +128,9 @@ local function format_number(value, mask)
   left = ("0"):rep(least - #left) .. left
   if whole:find "," then left = left:reverse():gsub("(%d%d%d)", "%1,"):reverse():gsub("^,", "") end
   local optional = #fraction:match "#*$"
-  while optional > 0 and right:sub(-1) == "0" do right, optional = right:sub(1, -2), optional - 1 end
+  while optional > 0 and right:sub(-1) == "0" do
+    right, optional = right:sub(1, -2), optional - 1
+  end
   local sign = value < 0 and not before:find "-" and "-" or ""
   if before:find "+" and value < 0 then before, sign = before:gsub("%+", "-"), "" end
   if value >= 0 then before = before:gsub("%-", "") end
@@ -155,22 +168,26 @@ end)
 
 L.encodings = {}
 local constant = {static = true, property = true}
-for name, called in pairs {UTF8 = "UTF-8", UTF16 = "UTF-16", UTF32 = "UTF-32", ASCII = "ASCII", ISOLatin1 = "ISO Latin-1",
-                           WindowsLatin1 = "Windows Latin-1", WindowsANSI = "Windows Latin-1", MacRoman = "Mac Roman"} do
+for name, called in pairs {UTF8 = "UTF-8", UTF16 = "UTF-16", UTF32 = "UTF-32", ASCII = "ASCII",
+                           ISOLatin1 = "ISO Latin-1", WindowsLatin1 = "Windows Latin-1",
+                           WindowsANSI = "Windows Latin-1", MacRoman = "Mac Roman"} do
   L.encodings[called] = L.encodings[called] or {name = called, class = "TextEncoding"}
-  row("Encodings." .. name .. " As TextEncoding", function() return L.encodings[called] end, nil, constant)
+  row("Encodings." .. name .. " As TextEncoding", function() return L.encodings[called] end, nil,
+      constant)
 end
-row("TextEncoding.InternetName As String", function(encoding) return encoding.name end, nil, {property = true})
 row("TextEncoding.Chr(code As Integer) As String", function(encoding, code)
   return text.convert(utf8.char(code), encoding.name)
 end)
-row("Encoding(source As String) As TextEncoding", function(s) return L.encodings[text.encoding(s)] end)
+row("Encoding(source As String) As TextEncoding", function(s)
+  return L.encodings[text.encoding(s)]
+end)
 row("DefineEncoding(source As String, encoding As TextEncoding) As String", function(s, encoding)
   return text.make(bytes(s), encoding and encoding.name)
 end)
 row("ConvertEncoding(source As String, encoding As TextEncoding) As String", function(s, encoding)
   return text.convert(s, (encoding or L.raise()).name)
 end)
-for name, ending in pairs {[""] = "\n", [".Unix"] = "\n", [".Windows"] = "\r\n", [".Macintosh"] = "\r"} do
+local endings = {[""] = "\n", [".Unix"] = "\n", [".Windows"] = "\r\n", [".Macintosh"] = "\r"}
+for name, ending in pairs(endings) do
   row("EndOfLine" .. name .. " As String", function() return ending end, nil, constant)
 end

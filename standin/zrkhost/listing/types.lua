@@ -1,19 +1,20 @@
--- The types of the host's language as names: "Integer", "String", "RegExZRK", "String()" for an array;
--- "Nil" is the type of Nil alone, "" of what has no value.
+-- The types of the host's language, by name: "Integer", "RegExZRK", "String()" for an array;
+-- "Nil" is the type of Nil alone, "" that of what has no value.
 local types = {}
 
-local names = {
-  integer = "Integer", int8 = "Integer", int16 = "Integer", int32 = "Integer", int64 = "Integer",
-  uint8 = "Integer", uint16 = "Integer", uint32 = "Integer", uint64 = "Integer", byte = "Integer",
-  double = "Double", single = "Double", boolean = "Boolean", string = "String", variant = "Variant",
-}
+local families = {Integer = "number", Double = "number", Boolean = "Boolean", String = "String",
+                  Variant = "Variant", [""] = ""}
+local names = {single = "Double", byte = "Integer"}
+for name in pairs(families) do names[name:lower()] = name end
+for _, bits in ipairs {"8", "16", "32", "64"} do
+  names["int" .. bits], names["uint" .. bits] = "Integer", "Integer"
+end
+names[""] = nil
 local parents = {}
-local plain = {Integer = true, Double = true, Boolean = true, String = true, Variant = true}
 
--- A class that listings may name.
+-- Makes a class known.
 function types.class(name, parent)
-  names[name:lower()] = name
-  parents[name] = parent or "Object"
+  names[name:lower()], parents[name] = name, parent or "Object"
 end
 
 -- The type as it is spelled here; nil for one that nobody knows.
@@ -23,8 +24,10 @@ function types.named(name, array)
 end
 
 function types.element(type) return type:match "^(.+)%(%)$" end
-function types.number(type) return type == "Integer" or type == "Double" end
-function types.object(type) return not plain[type] and not types.element(type) and type ~= "" end
+-- "number", "String", "Boolean", "Variant", "array", "object" (Nil is one), "".
+function types.family(type) return families[type] or types.element(type) and "array" or "object" end
+function types.number(type) return types.family(type) == "number" end
+function types.object(type) return types.family(type) == "object" end
 function types.parent(type) return parents[type] end
 
 -- Whether an object of class `name` is one of `class`, too.
@@ -33,26 +36,37 @@ function types.isa(name, class)
   return name ~= nil
 end
 
+-- "an Integer", for messages.
+function types.article(type)
+  if type == "" then return "nothing" end
+  if type == "Nil" then return "Nil" end
+  return (type:find "^[AEIO]" and "an " or "a ") .. type
+end
+
 -- Lua text for the value that a variable of this type starts with.
 function types.initial(type)
   if types.element(type) then return "L.array()" end
   return ({Integer = "0", Double = "0.0", Boolean = "false", String = '""'})[type] or "nil"
 end
 
+local conversions = {
+  ["Integer Double"] = {"(%s + 0.0)", 1},
+  ["Double Integer"] = {"L.whole(%s)", 2},
+  ["MemoryBlock String"] = {"L.block_text(%s)", 2},
+  ["String MemoryBlock"] = {"L.text_block(%s)", 2},
+}
+
 -- Lua text for a value of type `from` as one of `to`, and what that costs: 0 for nothing; nil where
 -- the host's compiler refuses.
 function types.convert(code, from, to)
   if from == to then return code, 0 end
-  if from == "" then return nil end
+  local conversion = conversions[from .. " " .. to]
+  if conversion then return conversion[1]:format(code), conversion[2] end
+  if from == "" or to == "" then return nil end
   if to == "Variant" then return code, 3 end
   if from == "Variant" then return ("L.cast(%s, %q)"):format(code, to), 4 end
-  if from == "Nil" then return types.object(to) and code or nil, 1 end
-  if types.object(from) and types.object(to) and types.isa(from, to) then return code, 1 end
-  if from == "Integer" and to == "Double" then return ("(%s + 0.0)"):format(code), 1 end
-  if from == "Double" and to == "Integer" then return ("L.whole(%s)"):format(code), 2 end
-  if from == "MemoryBlock" and to == "String" then return ("L.block_text(%s)"):format(code), 2 end
-  if from == "String" and to == "MemoryBlock" then return ("L.text_block(%s)"):format(code), 2 end
-  return nil
+  local fits = types.object(from) and types.object(to) and (from == "Nil" or types.isa(from, to))
+  return fits and code or nil, 1
 end
 
 return types

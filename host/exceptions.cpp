@@ -1,5 +1,6 @@
 #include "host/exceptions.h"
 
+#include <cinttypes>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -39,10 +40,10 @@ void RaiseOutOfBoundsException(std::int64_t value, std::int64_t minimum, std::in
   if (message == nullptr) return RaiseException(kClass, "Out of Bounds");
   // Without a method name both blanks around the gap stay: the text is the same for every caller.
   std::snprintf(message.get(), size,
-                "Parameter %s %s%s is too %s. Range is %lld to %lld, but value is %lld.",
+                "Parameter %s %s%s is too %s. Range is %" PRId64 " to %" PRId64
+                ", but value is %" PRId64 ".",
                 parameter_name, *method_name != '\0' ? "to method " : "", method_name,
-                value < minimum ? "small" : "big", static_cast<long long>(minimum),
-                static_cast<long long>(maximum), static_cast<long long>(value));
+                value < minimum ? "small" : "big", minimum, maximum, value);
   RaiseException(kClass, message.get());
 }
 

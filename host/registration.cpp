@@ -14,31 +14,24 @@ namespace zrk {
 
 namespace {
 
-constexpr HostWord kOldPropertyWords = 10;
-constexpr HostWord kOldMethodWords = 4;
-constexpr HostWord kOldConstantWords = 3;
-constexpr HostWord kOldEventWords = 2;
+constexpr std::size_t kOldPropertyWords = 10;
+constexpr std::size_t kOldMethodWords = 4;
+constexpr std::size_t kOldConstantWords = 3;
+constexpr std::size_t kOldEventWords = 2;
 constexpr std::int32_t kFirstCurrentLayout = 10;
 
 // The first `words` words of each row, as a new table; null for none, for 2 GiB and more, and
 // without memory.
-void* ShortenTable(const void* table, HostWord count, std::size_t row_bytes, HostWord words) {
-  const auto old_bytes = static_cast<std::size_t>(words) * kWord;
+template <typename Row>
+Row* ShortenRows(const Row* table, HostWord count, std::size_t words) {
+  const std::size_t old_bytes = words * kWord;
   if (table == nullptr || count < 1) return nullptr;
   const auto rows = static_cast<std::size_t>(count);
   if (rows > INT32_MAX / old_bytes) return nullptr;
-  auto* const copy = static_cast<unsigned char*>(std::calloc(rows, old_bytes));
+  auto* const copy = static_cast<HostWord*>(std::calloc(rows, old_bytes));
   if (copy == nullptr) return nullptr;
-  for (std::size_t i = 0; i < rows; ++i) {
-    const auto* const row = static_cast<const unsigned char*>(table) + i * row_bytes;
-    std::memcpy(copy + i * old_bytes, row, old_bytes);
-  }
-  return copy;
-}
-
-template <typename Row>
-Row* ShortenRows(const Row* table, HostWord count, HostWord words) {
-  return static_cast<Row*>(ShortenTable(table, count, sizeof(Row), words));
+  for (std::size_t i = 0; i < rows; ++i) std::memcpy(copy + i * words, table + i, old_bytes);
+  return reinterpret_cast<Row*>(copy);
 }
 
 REALevent* FixEvents(REALevent* table, HostWord count) {

@@ -11,6 +11,11 @@ local headings = 0
 local function html(text) return pandoc.MetaBlocks { pandoc.RawBlock("html", text) } end
 local function text_of(inlines) return pandoc.utils.stringify(inlines) end
 
+local function of_others(code)
+  code.classes = { "other" }
+  return code
+end
+
 local text_filter = {
   traverse = "topdown",
 
@@ -39,7 +44,7 @@ local text_filter = {
 
   -- An entry does not link to itself.
   Code = function(code)
-    local member = members.named(code.text)
+    local member = not code.classes:includes("other") and members.named(code.text)
     if member and member ~= entry then return pandoc.Link(code, members.address(page, member)), false end
   end,
 
@@ -49,14 +54,20 @@ local text_filter = {
   end,
 
   -- On a narrow screen the cells of a wide table stand below each other, each with its column's name.
+  -- Beside a column that is headed RegExZRK stand the names of others.
   Table = function(table)
-    local names = {}
-    for i, cell in ipairs(table.head.rows[1].cells) do names[i] = text_of(cell.contents) end
-    if #names < 3 then return end
-    table.classes:insert("wide")
+    local columns = {}
+    for i, cell in ipairs(table.head.rows[1].cells) do
+      columns[i] = text_of(cell.contents)
+      columns[columns[i]] = i
+    end
+    if #columns > 2 then table.classes:insert("wide") end
     for _, body in ipairs(table.bodies) do
       for _, row in ipairs(body.body) do
-        for i, cell in ipairs(row.cells) do cell.attributes["data-column"] = names[i] end
+        for i, cell in ipairs(row.cells) do
+          cell.attributes["data-column"] = #columns > 2 and columns[i] or nil
+          if i ~= (columns.RegExZRK or i) then cell.contents = cell.contents:walk { Code = of_others } end
+        end
       end
     end
     return table

@@ -9,9 +9,7 @@
 #include <map>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "tests/run_program.h"
@@ -45,54 +43,31 @@ std::vector<fs::path> Pages() {
   return pages;
 }
 
-// A heading of level 3 in a help page, and what stands below it up to the next heading.
+// What the class reference says of a member: a heading of level 3, the declarations directly below
+// it, and the text up to the next heading.
 struct Entry {
   std::string name;
+  Names declarations;
   std::string text;
-
-  // The lines of the declaration fence that the text opens with, if it does.
-  std::vector<std::string> Declarations() const {
-    constexpr std::string_view kFence = "\n```declaration\n";
-    if (!text.starts_with(kFence)) return {};
-    std::istringstream in(text.substr(kFence.size()));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line) && line != "```";) lines.push_back(line);
-    return lines;
-  }
 };
 
-std::vector<Entry> EntriesOf(const std::string& page) {
-  std::vector<Entry> entries;
-  bool in_entry = false;
-  std::istringstream in(page);
-  for (std::string line; std::getline(in, line);) {
-    if (line.starts_with("### ")) {
-      entries.push_back({line.substr(4), {}});
-      in_entry = true;
-    } else if (line.starts_with("# ") || line.starts_with("## ")) {
-      in_entry = false;
-    } else if (in_entry) {
-      entries.back().text += line + '\n';
-    }
-  }
-  return entries;
-}
-
-// The entries that declare something, of all help pages.
 std::vector<Entry> ReferenceEntries() {
-  std::vector<Entry> found;
+  std::vector<Entry> entries;
   for (const auto& page : fs::directory_iterator(kHelp)) {
     if (page.path().extension() != ".md") continue;
     const std::string text = Read(page.path());
-    std::size_t fences = FindAll(text, "^```declaration$").size();
-    for (const Entry& entry : EntriesOf(text)) {
-      if (entry.Declarations().empty()) continue;
-      found.push_back(entry);
-      --fences;
+    const auto headings = FindAll(text, "^### (\\w+)\n\n```declaration\n([^]*?)```\n");
+    EXPECT_EQ(headings.size(), FindAll(text, "^```declaration$").size())
+        << page.path() << " has declarations without a heading of their own";
+    for (const std::smatch& heading : headings) {
+      const std::string declared = heading[2];
+      const std::string below = heading.suffix();
+      Names declarations;
+      for (const std::smatch& line : FindAll(declared, "^.+$")) declarations.insert(line.str());
+      entries.push_back({heading[1], declarations, below.substr(0, below.find("\n##"))});
     }
-    EXPECT_EQ(fences, 0U) << page.path() << " has declarations that no heading stands above";
   }
-  return found;
+  return entries;
 }
 
 // Every member as the library registers it: its name, and below it its declarations.
@@ -116,8 +91,7 @@ std::map<std::string, Names> RegisteredMembers() {
 TEST(Reference, DeclaresEachMemberOnceAsRegistered) {
   std::map<std::string, Names> declared;
   for (const Entry& entry : ReferenceEntries()) {
-    const auto lines = entry.Declarations();
-    EXPECT_TRUE(declared.emplace(entry.name, Names(lines.begin(), lines.end())).second)
+    EXPECT_TRUE(declared.emplace(entry.name, entry.declarations).second)
         << entry.name << " has two entries";
   }
   const auto registered = RegisteredMembers();
@@ -132,7 +106,7 @@ TEST(Reference, DeclaresEachMemberOnceAsRegistered) {
 // Constants apart, whose use shows with the methods that leave them.
 TEST(Reference, ShowsEachMemberInAListing) {
   for (const Entry& entry : ReferenceEntries()) {
-    if (entry.Declarations()[0].starts_with(entry.name + " = ")) continue;
+    if (entry.declarations.begin()->starts_with(entry.name + " = ")) continue;
     const std::size_t listing = entry.text.find("```vb\n");
     ASSERT_NE(listing, std::string::npos) << entry.name;
     const std::string use = entry.name == "Constructor" ? "New RegExZRK" : entry.name;

@@ -49,7 +49,7 @@ memcheck:  ## under valgrind: the tests whose subjects end where readable memory
 	@tools/setup build memcheck
 	$(call build,dev)
 	printf '%s\n' $(MEMCHECKED) | xargs -P $(JOBS) -I{} \
-	  valgrind -q --error-exitcode=1 --leak-check=no build/dev/{}_test --gtest_brief=1
+	  valgrind -q --error-exitcode=1 --leak-check=no --suppressions=tests/valgrind.supp build/dev/{}_test --gtest_brief=1
 
 fuzz:  ## run each fuzz target for FUZZ_SECONDS (60)
 	@tools/setup build clang

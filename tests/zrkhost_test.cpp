@@ -125,7 +125,7 @@ TEST(ZRKHost, FindsServicesInAnyCaseOrListsThem) {
 TEST(ZRKHost, SaysWhenItsOutputCannotBeWritten) {
   for (const char* command :
        {"--help", "-v", "--describe", "-e 'print(1)'", "-e 'print(1) os.exit()'"}) {
-    Check({command, 1, "zrkhost: not all output could be written"},
+    Check({command, 2, "zrkhost: not all output could be written"},
           ZRKHost(std::string(command) + " 2>&1 >/dev/full"));
   }
 }

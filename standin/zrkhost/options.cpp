@@ -88,11 +88,12 @@ void Apply(Options& options, int code, const char* argument) {
 
 const char* const kUsage =
     R"(zrkhost [option...] [script.lua [argument...]]
+zrkhost [option...] try PATTERN [FILE...]
 zrkhost [option...] help [NAME]
 
 Runs a Lua program on a stand-in host that has loaded the plugin library; without one it prompts.
-"help" shows the reference's entry of a member. A script that ends in .xojo_code is a listing in
-the host's language.
+"try" shows what a pattern does to a text ("try --help" says more), "help" the reference's entry
+of a member. A script that ends in .xojo_code is a listing in the host's language.
 
   -e CODE               runs CODE (before the script, if there is one)
   --library FILE        the plugin library (libZRKRegEx.so beside this program)
@@ -110,8 +111,8 @@ values of the host; host.task(function) starts a task, host.yield() gives tasks 
 host.type(value) and host.members(class) say what a thing is and has. "man zrkhost" has all of it.
 
 A script of "-" is read from the input. The exit status is 1 after an error in the program, 2 where
-it could not start, and 3 where a reference to something of the host's was given back twice, or
-never.
+it could not start or its output not be written, and 3 where a reference to something of the host's
+was given back twice, or never.
 )";
 
 Options ParseOptions(int argc, char** argv) {

@@ -27,6 +27,7 @@ struct Command {
   const char* code;
 };
 constexpr Command kCommands[] = {
+    {"try", "require('zrkhost.try').run(...)"},
     {"help", "require('zrkhost.help').run(...)"},
     {".xojo_code", "table.move(arg, 0, #arg, 1) arg[0] = 'listing' require('listing')"},
 };

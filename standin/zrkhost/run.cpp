@@ -41,7 +41,7 @@ int FlushOutput(int status) {
   if (std::fflush(stdout) == 0 && !failed) return status;
   std::fprintf(stderr, "zrkhost: not all output could be written%s%s\n", errno ? ": " : "",
                errno ? std::strerror(errno) : "");
-  return status == kSuccess ? kProgramFailed : status;
+  return status == kSuccess ? kNoOutput : status;
 }
 
 bool Call(lua_State* L, int arguments, int results) {

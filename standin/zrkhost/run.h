@@ -8,9 +8,15 @@
 
 namespace standin::zrkhost {
 
-enum ExitStatus { kSuccess = 0, kProgramFailed = 1, kNotStarted = 2, kUnbalanced = 3 };
+enum ExitStatus {
+  kSuccess = 0,
+  kProgramFailed = 1,
+  kNotStarted = 2,
+  kNoOutput = 2,
+  kUnbalanced = 3,
+};
 
-// Answers `status`, or kProgramFailed where that would be 0 and not all that was printed could be
+// Answers `status`, or kNoOutput where that would be 0 and not all that was printed could be
 // written; then it says so.
 int FlushOutput(int status);
 

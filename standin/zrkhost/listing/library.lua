@@ -16,6 +16,7 @@ end
 local L, row = rows.functions, rows.row
 local property = {property = true}
 require "listing.text_functions"
+require "listing.files"
 
 local function raise(class, message) L.raise(L.exception(class, message)) end
 

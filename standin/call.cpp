@@ -25,7 +25,7 @@ ffi_type* FfiType(Kind kind) {
 }  // namespace
 
 MethodCall::MethodCall(Host& host, HostInstance& object, const std::string& name)
-    : host_(host), class_name_(object.class_name()), name_(name) {
+    : host_(host), object_(object), class_name_(object.class_name()), name_(name) {
   types_.reserve(4);
   slots_.reserve(4);
   Push(&ffi_type_pointer, {.handle = object.handle()});
@@ -75,7 +75,10 @@ Outcome MethodCall::Run(zrk::HostFunction function, const Type& result) {
   if (host_.options().trace) TraceStart();
   const char* const outer_method = host_.accounts().EnterMethod(name_.c_str());
   std::vector<HostError> outer_errors = std::exchange(host_.pending_errors_, {});
+  const CallUnderWay outer_call =
+      std::exchange(object_.under_way, {name_.c_str(), host_.task_depth()});
   const Slot slot = Invoke(function, FfiType(result.kind));
+  object_.under_way = outer_call;
   Outcome outcome;
   outcome.value = Result(slot, result.kind);
   outcome.errors = std::exchange(host_.pending_errors_, std::move(outer_errors));

@@ -47,6 +47,7 @@ class MethodCall {
   void TraceEnd(const Value& result) const;
 
   Host& host_;
+  HostInstance& object_;
   const std::string& class_name_;
   const std::string& name_;
   std::vector<ffi_type*> types_;

@@ -54,7 +54,11 @@ struct HostOptions {
   bool terminate_string_data = true;
   // Where instance records start in objects; at least 1, a multiple of the machine word.
   std::size_t instance_offset = 32;
-  // By service name; for a service with two names `missing` concerns the one named, the rest both.
+  // A task may use an object while another task, or the program, waits for a call of it. Otherwise
+  // that is a CallError, as the mistake that it is.
+  bool shared_objects = false;
+  // By service name, in any case; for a service with two names `missing` concerns the one named,
+  // the rest both.
   std::map<std::string, Fault> faults = {};
   // Exception classes that "PluginNewInstance" does not know.
   std::set<std::string> unknown_classes = {};
@@ -110,6 +114,8 @@ class Host {
   // One step of every task, as "REALYieldToRB" does it.
   void RunTasks();
   bool HasTasks() const { return !tasks_.empty(); }
+  // How many runs of the tasks are around what is going on: 0 in the program itself.
+  int task_depth() const { return task_depth_; }
 
   // Changes what is wrong with a service from now on; an empty Fault is none.
   void SetFault(const std::string& service, Fault fault);

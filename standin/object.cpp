@@ -39,6 +39,17 @@ Value FirstErrorOr(Outcome outcome) {
   return std::move(outcome.value);
 }
 
+// While a threaded call of an object waits, the tasks of the host get their turns, and one of them
+// may use the same object: the library would read and free what its worker is working on.
+void RefuseSharing(const HostInstance& instance, const std::string& member) {
+  const Host& host = CurrentHost();
+  const CallUnderWay& call = instance.under_way;
+  const bool shared = *call.method != '\0' && host.task_depth() > call.task_depth;
+  if (!shared || host.options().shared_objects) return;
+  throw CallError(instance.class_name() + "." + member + " while another task waits for " +
+                  call.method + " of the same object: an object belongs to one task at a time");
+}
+
 // The bytes of a field, after a check that the instance record holds them.
 unsigned char* Field(HostInstance& instance, const Property& property, std::size_t size) {
   const auto start = static_cast<std::size_t>(property.parameter);
@@ -79,6 +90,7 @@ Object::Object(Value value) : value_(std::move(value)), class_(&Instance(value_)
 
 Outcome Object::TryCall(std::string_view name, const Values& arguments) const {
   const Method& method = class_->Choose(name, arguments);
+  RefuseSharing(Instance(value_), method.declaration.name);
   const auto& parameters = method.declaration.parameters;
   Values complete = arguments;
   for (std::size_t i = complete.size(); i < parameters.size(); ++i) {
@@ -102,6 +114,7 @@ const Property& Object::FindProperty(std::string_view name) const {
 
 Value Object::Get(std::string_view name) const {
   const Property& property = FindProperty(name);
+  RefuseSharing(Instance(value_), property.name);
   if (property.ReadsField()) return ReadField(Instance(value_), property);
   if (!property.getter) throw CallError(property.name + " cannot be read");
   MethodCall call(CurrentHost(), Instance(value_), property.name);
@@ -112,6 +125,7 @@ Value Object::Get(std::string_view name) const {
 void Object::Set(std::string_view name, const Value& value) const {
   const Property& property = FindProperty(name);
   const std::string text = property.name + " as " + property.type.name;
+  RefuseSharing(Instance(value_), property.name);
   if (!property.setter) throw CallError(text + " is read-only");
   if (!Fits(property.type, value)) throw CallError(text + " takes no " + KindName(value.kind()));
   if (property.WritesField()) return WriteField(Instance(value_), property, value);

@@ -152,6 +152,12 @@ class HostExceptionObject : public HostObject {
 };
 
 // An object of a registered class: a header, then the zero-filled instance record.
+// The method of an object that runs, if one does, and how many tasks deep it was called.
+struct CallUnderWay {
+  const char* method = "";
+  int task_depth = 0;
+};
+
 class HostInstance : public HostObject {
  public:
   explicit HostInstance(const ClassInfo& class_info);
@@ -161,6 +167,8 @@ class HostInstance : public HostObject {
   std::string Excerpt() const override { return class_->name(); }
   const ClassInfo& class_info() const { return *class_; }
   unsigned char* data() const { return memory_.get() + class_->data_offset(); }
+
+  CallUnderWay under_way;
 
  private:
   void End() override;

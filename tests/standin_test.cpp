@@ -107,6 +107,7 @@ TEST_F(Standin, GivesBackTheResultAndEverythingRaised) {
 
 TEST_F(Standin, RunsTasksWhileTheLibraryYields) {
   const Object object = host_.New("Probe");
+  const Object other = host_.New("Probe");  // an object belongs to one task at a time
   std::string order;
   probe::run = [&](String) {
     for (int i = 0; i < 3; ++i) Service<void>("REALYieldToRB"), order += "y";
@@ -117,7 +118,7 @@ TEST_F(Standin, RunsTasksWhileTheLibraryYields) {
   host_.AddTask([&, turns = 0]() mutable {
     order += "a";
     if (turns++ > 0) return false;
-    EXPECT_EQ(object.TryCall("Run", {"inner"}).errors.size(), 1u);
+    EXPECT_EQ(other.TryCall("Run", {"inner"}).errors.size(), 1u);
     return true;
   });
   host_.AddTask([]() -> bool { throw std::runtime_error("broken"); });

@@ -322,6 +322,13 @@ TEST(ZRKHost, GivesTasksTheirTurns) {
       {"host.task(function() local own = RegExZRK() own:Compile('b') print(own:ExecuteMT('b')) "
        "end) host.task(function() print('turn') end) print(re:ExecuteMT('a'))",
        "turn\n1\n1\n"},
+      // An object belongs to one task at a time.
+      {"host.task(function() print(pcall(function() return re.Count end)) "
+       "print(pcall(re.Substring, re, 0)) end) re:ExecuteMT('a')",
+       "false\t(command line):1: RegExZRK.Count while another task waits for ExecuteMT of the same "
+       "object: an object belongs to one task at a time\n"
+       "false\tRegExZRK.Substring while another task waits for ExecuteMT of the same object: an "
+       "object belongs to one task at a time\n"},
   };
   for (const auto& [code, output] : cases) {
     SCOPED_TRACE(code);

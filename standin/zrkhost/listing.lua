@@ -1,4 +1,4 @@
--- Runs a listing in the host's language: zrkhost listing.lua FILE.xojo_code
+-- Runs a listing in the host's language: zrkhost FILE.xojo_code
 --
 -- It is translated to Lua, statement by statement, with the types that its declarations give to
 -- names. What the translator does not know, and what the host's compiler would refuse, is refused

@@ -1,7 +1,8 @@
 -- Expressions as Lua text. Each answers its text and its type, which decides what a "+" or a pair
 -- of parentheses means, and whether the host's compiler would take it.
 --
--- `cx` is what the expression stands in: cx:fail(message, ...), cx:variable(name), cx.library.
+-- `cx` is what the expression stands in: cx:fail(message, ...), cx:variable(name),
+-- cx:type(name), cx.library.
 local types = require "listing.types"
 
 local expressions = {}

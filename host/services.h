@@ -5,6 +5,7 @@
 #ifndef ZRK_HOST_SERVICES_H
 #define ZRK_HOST_SERVICES_H
 
+#include <atomic>
 #include <cstdint>
 
 #include "host/records.h"
@@ -42,28 +43,38 @@ class Service<kBinding, Result(Arguments...)> {
 
   // Calls the service, or answers the neutral result where the host has none.
   Result operator()(Arguments... arguments) {
-    return IsAvailable() ? function_(arguments...) : neutral_();
+    const Function function = Find();
+    return function != nullptr ? function(arguments...) : neutral_();
   }
 
   // Whether the host has the service; binds it if that has not been tried.
-  bool IsAvailable() {
-    return function_ != nullptr || ((kBinding == Binding::Retried || !asked_) && Bind());
-  }
+  bool IsAvailable() { return Find() != nullptr; }
 
  private:
   using Function = Result (*)(Arguments...);
 
-  [[gnu::noinline, gnu::cold]] bool Bind() {
-    asked_ = true;
-    function_ = reinterpret_cast<Function>(AskHost(name_, second_name_));
-    return function_ != nullptr;
+  Function Find() {
+    const Function bound = function_.load(std::memory_order_relaxed);
+    return bound != nullptr ? bound : Bind();
+  }
+
+  // Several threads may ask at once and get the same answer: the function is there before it counts
+  // as asked for.
+  [[gnu::noinline, gnu::cold]] Function Bind() {
+    if (kBinding == Binding::Guarded && asked_.load(std::memory_order_acquire)) {
+      return function_.load(std::memory_order_relaxed);
+    }
+    const auto function = reinterpret_cast<Function>(AskHost(name_, second_name_));
+    function_.store(function, std::memory_order_relaxed);
+    asked_.store(true, std::memory_order_release);
+    return function;
   }
 
   const char* name_;
   const char* second_name_;
   [[no_unique_address]] NeutralResult<Result> neutral_;
-  Function function_ = nullptr;
-  bool asked_ = false;
+  std::atomic<Function> function_ = nullptr;
+  std::atomic<bool> asked_ = false;
 };
 
 #define ZRK_DEFINE_SERVICE(wrapper, binding, result, arguments, name, second_name, neutral) \

@@ -4,8 +4,9 @@
 
 #include <pthread.h>
 
+#include <atomic>
 #include <cstddef>
-#include <cstdlib>
+#include <cstdint>
 #include <ctime>
 #include <memory>
 
@@ -24,56 +25,21 @@ namespace {
 
 constexpr std::size_t kWorkerStackBytes = 0x200000;
 
-struct DestroyMutex {
-  void operator()(pthread_mutex_t* mutex) const {
-    pthread_mutex_destroy(mutex);
-    std::free(mutex);
-  }
-};
-using OwnedMutex = std::unique_ptr<pthread_mutex_t, DestroyMutex>;
+constexpr std::timespec kOneMillisecond{0, 1'000'000};
 
-// Null when memory is short: the run then goes on without a lock.
-OwnedMutex MakeMutex() {
-  OwnedMutex mutex(static_cast<pthread_mutex_t*>(std::calloc(1, sizeof(pthread_mutex_t))));
-  if (mutex != nullptr) pthread_mutex_init(mutex.get(), nullptr);
-  return mutex;
-}
-
-class MutexLock {
- public:
-  explicit MutexLock(pthread_mutex_t* mutex) : mutex_(mutex) {
-    if (mutex_ != nullptr) pthread_mutex_lock(mutex_);
-  }
-  ~MutexLock() {
-    if (mutex_ != nullptr) pthread_mutex_unlock(mutex_);
-  }
-  MutexLock(const MutexLock&) = delete;
-  MutexLock& operator=(const MutexLock&) = delete;
-
- private:
-  pthread_mutex_t* mutex_;
-};
-
-// What the waiting thread and the worker share.
+// What the waiting thread and the worker share. The flag is set once, by the worker, and orders all
+// that the work wrote before what its caller reads afterwards.
 struct ThreadState {
-  // Set before the worker starts, only read afterwards.
-  OwnedMutex mutex = MakeMutex();
   void* data;
   void (*work)(void*);
   void (*idle)(void*);
-
-  // The waiting thread's own; unused where the work went to a queue.
-  pthread_t thread{};
-
-  // Guarded by the mutex: written once by the worker, which also orders all that the work wrote.
-  bool done = false;
+  std::atomic<bool> done = false;
 };
 
 // [worker]
 void Run(ThreadState& state) {
   if (state.work != nullptr) state.work(state.data);
-  const MutexLock lock(state.mutex.get());
-  state.done = true;
+  state.done.store(true, std::memory_order_release);
 }
 
 void* threadfunction(void* record) {
@@ -81,24 +47,21 @@ void* threadfunction(void* record) {
   return nullptr;
 }
 
-// The worker's share of the record ends with its last use of the lock.
+// The worker's share of the record ends with its last use of the flag.
 void RunThreadedBlocks(void* record) {
   const std::unique_ptr<std::shared_ptr<ThreadState>> state(
       static_cast<std::shared_ptr<ThreadState>*>(record));
   Run(**state);
 }
 
-bool IsDone(const ThreadState& state) {
-  const MutexLock lock(state.mutex.get());
-  return state.done;
-}
+bool IsDone(const ThreadState& state) { return state.done.load(std::memory_order_acquire); }
 
 void Idle(const ThreadState& state) {
   if (state.idle != nullptr) state.idle(state.data);
 }
 
-void WaitUntilDone(const ThreadState& state) {
-  constexpr std::timespec kOneMillisecond{0, 1'000'000};
+// A yield or an idle call may leave by a native exception.
+void KeepHostAliveUntilDone(const ThreadState& state) {
   REALYieldToRB();
   while (!IsDone(state)) {
     REALYieldToRB();
@@ -109,30 +72,41 @@ void WaitUntilDone(const ThreadState& state) {
   Idle(state);
 }
 
+// The worker uses what its callers own, so nothing leaves before it has ended.
+struct WaitForWorker {
+  const ThreadState& state;
+  ~WaitForWorker() {
+    while (!IsDone(state)) nanosleep(&kOneMillisecond, nullptr);
+  }
+};
+struct JoinWorker {
+  pthread_t thread;
+  ~JoinWorker() { pthread_join(thread, nullptr); }
+};
+
 void RunOnQueue(void* data, void (*work)(void*), void (*idle)(void*)) {
-  const auto state =
-      std::make_shared<ThreadState>(ThreadState{.data = data, .work = work, .idle = idle});
+  const auto state = std::make_shared<ThreadState>(data, work, idle);
   auto worker_share = std::make_unique<std::shared_ptr<ThreadState>>(state);
   dispatch_async_f(dispatch_get_global_queue(0, 0), worker_share.release(), RunThreadedBlocks);
-  WaitUntilDone(*state);
+  const WaitForWorker wait{*state};
+  KeepHostAliveUntilDone(*state);
 }
 
-bool StartThread(ThreadState& state) {
+bool StartThread(pthread_t& thread, ThreadState& state) {
   pthread_attr_t attributes;
   if (pthread_attr_init(&attributes) != 0) return false;
   pthread_attr_setstacksize(&attributes, kWorkerStackBytes);
-  const bool started = CreateQuietThread(state.thread, attributes, threadfunction, &state);
+  const bool started = CreateQuietThread(thread, attributes, threadfunction, &state);
   pthread_attr_destroy(&attributes);
   return started;
 }
 
-// The worker may still be inside its unlock when the flag is seen, so the join comes before the
-// mutex and the record end.
 void RunOnThread(void* data, void (*work)(void*), void (*idle)(void*)) {
-  ThreadState state{.data = data, .work = work, .idle = idle};
-  if (!StartThread(state)) return;
-  WaitUntilDone(state);
-  pthread_join(state.thread, nullptr);
+  ThreadState state{data, work, idle};
+  pthread_t thread{};
+  if (!StartThread(thread, state)) return;
+  const JoinWorker join{thread};
+  KeepHostAliveUntilDone(state);
 }
 
 }  // namespace

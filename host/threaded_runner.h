@@ -10,6 +10,7 @@ namespace zrk {
 // twice, and idle(data), where given, is called on this thread after each turn. Work may be null
 // and must not throw. Where no thread can be had the work is not run, and nothing says so: the
 // caller prepares what it reads afterwards. May throw std::bad_alloc before anything has started.
+// What a yield or an idle call throws goes on to the caller once the work has ended.
 void RunThreaded(void* data, void (*work)(void*), void (*idle)(void*));
 
 }  // namespace zrk

@@ -1,6 +1,7 @@
 // The instance record of RegExZRK, which the host keeps inside every object of the class.
 //
-// It arrives zero-filled and is plain data: what it owns is raw here. A null Vector means that the
+// It arrives zero-filled and is plain data: what it owns is raw here. The fields from Text on that
+// concern the subject change in regex/subject.h only. A null Vector means that the
 // object is not initialised. Offsets are in bytes; Vector and VectorSize count 32-bit entries.
 #ifndef ZRK_REGEX_CLASS_DATA_H
 #define ZRK_REGEX_CLASS_DATA_H
@@ -12,10 +13,11 @@
 #include "host/exceptions.h"
 #include "host/records.h"
 #include "regex/tables.h"
-#include "text/rb_data.h"
-#include "text/rb_text.h"
 
 namespace zrk {
+
+class rbData;
+class rbText;
 
 // Lasterror of an operation that never reached the engine; the engine's own codes are negative too,
 // and 0 is success.
@@ -38,11 +40,11 @@ struct RegExClassData {
   rbData* MemoryAdapter;              // owned; the bytes of TextMemory
   pcre* Handle;                       // owned, freed through pcre_free
   pcre_extra* StudyExtra;             // owned, freed with pcre_free_study
-  const unsigned char* TextPointer;   // the subject: into one of the adapters
+  const char* TextPointer;            // the subject: into one of the adapters
   std::int32_t VectorSize;            // a multiple of 3
   std::int32_t* Vector;               // owned, freed with free
-  std::int32_t StartOffset;           // for the worker of ExecuteMT
-  std::int32_t Reserved;
+  std::int32_t StartOffset;           // of the last threaded search
+  std::int32_t Reserved;              // keeps the record at its registered size
 };
 
 static_assert(kWord != 4 || sizeof(RegExClassData) == 21 * kWord);
@@ -53,21 +55,6 @@ inline RegExClassData& DataOf(REALobjectStruct* object) {
                                             RegExClass.DataOffset);
 }
 
-// Releases the current subject. Numbers of the last match, the pattern and its study block stay.
-void ClearText(RegExClassData& data);
-
-// Releases a memory block that is kept as the subject but was resized since: its bytes are not
-// where they were.
-[[gnu::noinline]] void ForgetResizedBlock(RegExClassData& data);
-
-// Called before the kept subject is used again.
-inline void ForgetLostSubject(RegExClassData& data) {
-  if (data.MemoryAdapter != nullptr) ForgetResizedBlock(data);
-}
-
-// Frees the compiled pattern and its study block.
-void ClearPattern(RegExClassData& data);
-
 // Whether the object has its vector; raises "NilObjectException" otherwise.
 inline bool RequireVector(const RegExClassData& data) {
   if (data.Vector != nullptr) return true;
@@ -75,11 +62,8 @@ inline bool RequireVector(const RegExClassData& data) {
   return false;
 }
 
-// The notes that go with the kept subject, or null where none is kept.
-inline SubjectNotes* NotesOf(const RegExClassData& data) {
-  if (data.TextPointer == nullptr) return nullptr;
-  return data.TextAdapter != nullptr ? &data.TextAdapter->notes() : &data.MemoryAdapter->notes();
-}
+// Frees the compiled pattern and its study block.
+void ClearPattern(RegExClassData& data);
 
 // "Constructor(VecSize as integer = 0)" and the class's destructor.
 void RegExConstructor(RegExClassData& data, HostInteger VecSize);

@@ -1,12 +1,13 @@
 #include "regex/compile.h"
 
 #include <algorithm>
-#include <cstring>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "host/exceptions.h"
 #include "regex/stack_depth.h"
+#include "regex/subject.h"
 #include "text/build_string.h"
 #include "text/utf8.h"
 
@@ -18,20 +19,20 @@ REALstringStruct* BuildMessage(const char* message) {
   return message != nullptr ? REALBuildUnicodeString(message, kEncodingASCII) : nullptr;
 }
 
-void ForgetPattern(RegExClassData& data) {
-  ClearText(data);
-  Release(data.ErrorMessage);
+// What a compile forgets first, whatever comes of it.
+Released ForgetPattern(RegExClassData& data) {
+  Released released = ClearText(data);
+  ClearErrorMessage(data, released);
   ClearPattern(data);
+  return released;
 }
 
 // The engine compiles what it is told not to check as if it were UTF-8: some bytes would take it
 // outside its tables, and a broken character outside the code it writes. Such a pattern is left to
 // the engine's own check, which refuses it.
 int OptionsFor(const RegExClassData& data, const char* pattern) {
-  const auto* const bytes = reinterpret_cast<const unsigned char*>(pattern);
-  const std::size_t length = std::strlen(pattern);
   std::uint32_t options = data.CompileOptions;
-  if (HasUnsafeBytes(bytes, length) || HasBrokenCharacters(bytes, length)) {
+  if (HasUnsafeBytes(pattern) || HasBrokenCharacters(pattern)) {
     options &= ~std::uint32_t{PCRE_NO_UTF8_CHECK};
   }
   return static_cast<int>(options);
@@ -60,7 +61,7 @@ HostBoolean CompileText(RegExClassData& data, const char* pattern) {
   const char* error_text = nullptr;
   int error_offset = 0;
   const int options = OptionsFor(data, pattern);
-  RunWithStack(std::strlen(pattern), [&] {
+  RunWithStack(std::string_view(pattern).size(), [&] {
     data.Handle = pcre_compile2(pattern, options, &error_code, &error_text, &error_offset, nullptr);
   });
   data.CompileErrorCode = error_code;
@@ -72,32 +73,33 @@ HostBoolean CompileText(RegExClassData& data, const char* pattern) {
 }  // namespace
 
 HostBoolean rb_pcre_compile2(RegExClassData& data, REALstringStruct* pattern) {
-  ForgetPattern(data);
+  const Released earlier = ForgetPattern(data);
   rbText text(pattern);
-  return CompileText(data, text.UTF8Text());
+  return CompileText(data, text.UTF8().data());
 }
 
 HostBoolean rb_pcre_compileM(RegExClassData& data, REALmemoryBlockStruct* pattern,
                              HostInteger ByteOffset) {
-  ForgetPattern(data);
+  const Released earlier = ForgetPattern(data);
   const rbData block(pattern);
-  if (block.data() == nullptr) {
+  const std::string_view bytes = block.bytes();
+  if (bytes.data() == nullptr) {
     RaiseException("NilObjectException", "pattern Memoryblock is nil");
     return false;
   }
-  if (ByteOffset < 0 || ByteOffset >= block.size()) {
-    RaiseOutOfBoundsException(ByteOffset, 0, std::int64_t{block.size()} - 1, "ByteOffset",
-                              "CompileMemory");
+  const auto size = static_cast<std::int64_t>(bytes.size());
+  if (ByteOffset < 0 || ByteOffset >= size) {
+    RaiseOutOfBoundsException(ByteOffset, 0, size - 1, "ByteOffset", "CompileMemory");
     return false;
   }
-  const char* const bytes = reinterpret_cast<const char*>(block.data()) + ByteOffset;
-  const auto available = static_cast<std::size_t>(block.size() - ByteOffset);
-  if (std::memchr(bytes, 0, available) != nullptr) return CompileText(data, bytes);
-  return CompileText(data, std::string(bytes, available).c_str());
+  const std::string_view text = bytes.substr(static_cast<std::size_t>(ByteOffset));
+  if (text.find('\0') != std::string_view::npos) return CompileText(data, text.data());
+  return CompileText(data, std::string(text).c_str());
 }
 
 HostBoolean rb_pcre_study(RegExClassData& data) {
-  Release(data.ErrorMessage);
+  Released earlier;
+  ClearErrorMessage(data, earlier);
   if (data.Handle == nullptr) return false;
   const char* error_text = nullptr;
   std::size_t compiled_bytes = 0;

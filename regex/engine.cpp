@@ -1,6 +1,7 @@
 #include "regex/engine.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "regex/stack_depth.h"
 
@@ -42,7 +43,7 @@ void WriteLimits(pcre_extra& extra, const RegExClassData& data) {
 int RunWithLimit(EngineCall& call, unsigned long limit) {
   call.extra.flags |= PCRE_EXTRA_MATCH_LIMIT_RECURSION;
   call.extra.match_limit_recursion = limit;
-  return pcre_exec(call.code, &call.extra, reinterpret_cast<const char*>(call.subject), call.length,
+  return pcre_exec(call.code, &call.extra, call.subject, call.length,
                    call.start, call.options, call.vector, call.vector_size);
 }
 
@@ -103,15 +104,15 @@ EngineCall PrepareCall(RegExClassData& data) {
   return call;
 }
 
-void SetSubject(EngineCall& call, const unsigned char* bytes, std::int32_t length,
-                SubjectNotes& notes) {
-  const bool as_it_is = notes.AreKnownSafe() || !ReadsUnchecked(call);
-  call.subject = as_it_is ? bytes : notes.EngineBytes(bytes, static_cast<std::size_t>(length));
-  call.length = length;
-}
-
-void SetSubject(EngineCall& call, rbText& text) {
-  SetSubject(call, text.UTF8Bytes(), text.UTF8Length(), text.notes());
+void SetSubject(EngineCall& call, SubjectBytes* subject, std::int32_t start) {
+  std::string_view bytes;
+  if (subject != nullptr) {
+    const bool as_they_are = subject->AreKnownSafe() || !ReadsUnchecked(call);
+    bytes = as_they_are ? subject->bytes() : subject->ForUncheckedEngine();
+  }
+  call.subject = bytes.data();
+  call.length = static_cast<int>(bytes.size());
+  call.start = start;
 }
 
 int RunEngine(EngineCall& call) noexcept {

@@ -7,7 +7,10 @@
 #ifndef ZRK_REGEX_ENGINE_H
 #define ZRK_REGEX_ENGINE_H
 
+#include <cstdint>
+
 #include "regex/class_data.h"
+#include "text/subject_bytes.h"
 
 namespace zrk {
 
@@ -17,7 +20,7 @@ struct EngineCall {
   // A copy: each run writes the recursion limit into it, and the study block stays as it is.
   pcre_extra extra;
   unsigned long recursion_limit;  // the script's, the study block's or the engine's own
-  const unsigned char* subject;
+  const char* subject;
   int length;
   int start = 0;
   int options;
@@ -33,12 +36,11 @@ EngineCall PrepareUnlimitedCall(const RegExClassData& data);
 // study block as well, where they stay.
 EngineCall PrepareCall(RegExClassData& data);
 
-// Points the call at a subject, in a form that is safe for it: the subject's own bytes, or, where
-// the call would take them for UTF-8 without checking them and some could lead the engine astray,
-// the copy that the notes keep. Throws std::bad_alloc, on the first call for a subject only.
-void SetSubject(EngineCall& call, const unsigned char* bytes, std::int32_t length,
-                SubjectNotes& notes);
-void SetSubject(EngineCall& call, rbText& text);
+// Points the call at a subject and a start in it, both in bytes. Where the call would take the bytes
+// for UTF-8 without checking them, it is shown a form that is safe for it, which lives as long as
+// the subject. A null subject is one that the engine refuses. Throws std::bad_alloc, on the first
+// call for a subject only.
+void SetSubject(EngineCall& call, SubjectBytes* subject, std::int32_t start);
 
 // Runs the engine and answers its result: the number of pairs set, 0 where the vector is too small,
 // or a negative code. The call's limits hold; PCRE_ERROR_RECURSIONLIMIT means that its recursion

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "text/build_string.h"
+#include "text/rb_text.h"
 
 namespace zrk {
 
@@ -21,14 +22,6 @@ constexpr std::array<bool, 256> kIsSpecial = [] {
   }
   return table;
 }();
-
-std::string_view View(rbText& text) {
-  return {text.UTF8Text(), static_cast<std::size_t>(text.UTF8Length())};
-}
-
-REALstringStruct* Build(const std::string& bytes) {
-  return REALBuildUnicodeString(bytes, kEncodingUTF8);
-}
 
 // Escapes a block into a buffer with room for twice its length and answers the bytes written. Every
 // byte is written behind a backslash that the next write replaces where it was not needed, which
@@ -48,7 +41,7 @@ std::size_t EscapeBlock(std::string_view block, char* out) {
 REALstringStruct* EscapeString(RegExClassData& /*data*/, REALstringStruct* text) {
   constexpr std::size_t kBlock = 4096;
   rbText adapter(text);
-  std::string_view rest = View(adapter);
+  std::string_view rest = adapter.UTF8();
   std::string result;
   // Prose has fewer special characters than one in eight; growing would copy all that is there.
   result.reserve(rest.size() + rest.size() / 8 + kSpareBytes);
@@ -56,12 +49,12 @@ REALstringStruct* EscapeString(RegExClassData& /*data*/, REALstringStruct* text)
   for (; !rest.empty(); rest.remove_prefix(std::min(kBlock, rest.size()))) {
     result.append(escaped.data(), EscapeBlock(rest.substr(0, kBlock), escaped.data()));
   }
-  return Build(result);
+  return BuildUTF8(result);
 }
 
 REALstringStruct* UnescapeString(RegExClassData& /*data*/, REALstringStruct* text) {
   rbText adapter(text);
-  const std::string_view escaped = View(adapter);
+  const std::string_view escaped = adapter.UTF8();
   std::string result;
   result.reserve(escaped.size() + kSpareBytes);
   for (std::size_t at = 0; at < escaped.size();) {
@@ -71,7 +64,7 @@ REALstringStruct* UnescapeString(RegExClassData& /*data*/, REALstringStruct* tex
     if (backslash < escaped.size()) result.push_back(escaped.data()[backslash + 1]);
     at = backslash + 2;
   }
-  return Build(result);
+  return BuildUTF8(result);
 }
 
 }  // namespace zrk

@@ -9,42 +9,36 @@
 #ifndef ZRK_REGEX_EXECUTE_H
 #define ZRK_REGEX_EXECUTE_H
 
-#include <algorithm>
-
 #include "regex/class_data.h"
+#include "regex/subject.h"
 
 namespace zrk {
 
-// The synchronous methods. [host thread] The first two answer the engine's result as it is, the
-// third answers 0 for any failure. All raise "NilObjectException" for an object that is not
-// initialised; rb_pcre_execM also for a nil block, and "OutOfBoundsException" for a ByteLength past
-// the block's end. ByteLength counts from the block's start; below 1 it means the whole block.
+// Execute(text, start), Execute(start) and ExecuteMemory. [host thread] The first two answer the
+// engine's result as it is, the third answers 0 for any failure. All raise "NilObjectException" for
+// an object that is not initialised; rb_pcre_execM also for a nil block, and
+// "OutOfBoundsException" for a ByteLength past the block's end. ByteLength counts from the block's
+// start; below 1 it means the whole block.
 HostInteger rb_pcre_exec(RegExClassData& data, REALstringStruct* text, HostInteger start);
 HostInteger rb_pcre_execAgain(RegExClassData& data, HostInteger start);
 HostInteger rb_pcre_execM(RegExClassData& data, REALmemoryBlockStruct* text, HostInteger ByteOffset,
                           HostInteger ByteLength);
 
-// The same with the engine on another thread, while the host gets its turns. All answer Count. The
-// script's match limits are not applied. The object stays referenced during the run; it must not be
-// used from another of the host's threads meanwhile.
+// ExecuteMT and ExecuteMemoryMT: the same with the engine on another thread, while the host gets
+// its turns. All answer Count. The script's match limits are not applied. The object stays
+// referenced during the run; it must not be used from another of the host's threads meanwhile.
 HostInteger rb_pcre_execMT(REALobjectStruct* object, REALstringStruct* text, HostInteger start);
 HostInteger rb_pcre_execAgainMT(REALobjectStruct* object, HostInteger start);
 HostInteger rb_pcre_execMMT(REALobjectStruct* object, REALmemoryBlockStruct* text,
                             HostInteger ByteOffset, HostInteger ByteLength);
 
-// Makes the object ready for a match: no error, no pairs, no error message.
-inline void ResetMatch(RegExClassData& data) {
-  data.Lasterror = kErrorPlugin;
-  data.Count = 0;
-  std::fill_n(data.Vector, data.VectorSize, 0);
-  Release(data.ErrorMessage);
-}
+// Makes the object ready for a match: no error, no pairs, an empty vector, and no error message,
+// which goes into `released`. False, with the exception raised and nothing else changed, for an
+// object that is not initialised.
+bool BeginMatch(RegExClassData& data, Released& released);
 
 // Puts down what the engine answered: Count from a positive result, Lasterror from a negative one.
-inline void StoreResult(RegExClassData& data, int result) {
-  data.Count = std::max(result, 0);
-  data.Lasterror = std::min(result, 0);
-}
+void StoreResult(RegExClassData& data, int result);
 
 }  // namespace zrk
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "host/exceptions.h"
-#include "regex/class_data.h"
+#include "regex/subject.h"
 
 namespace zrk {
 
@@ -31,24 +31,11 @@ void RegExConstructor(RegExClassData& data, HostInteger VecSize) {
 }
 
 void RegExDestructor(RegExClassData& data) {
-  ClearText(data);
-  Release(data.ErrorMessage);
+  Released released = ClearText(data);
+  ClearErrorMessage(data, released);
   ClearPattern(data);
   std::free(std::exchange(data.Vector, nullptr));
   data.VectorSize = 0;
-}
-
-void ClearText(RegExClassData& data) {
-  Release(data.Text);
-  Release(data.TextMemory);
-  data.TextPointer = nullptr;
-  data.TextLength = 0;
-  delete std::exchange(data.TextAdapter, nullptr);
-  delete std::exchange(data.MemoryAdapter, nullptr);
-}
-
-void ForgetResizedBlock(RegExClassData& data) {
-  if (!data.MemoryAdapter->IsUnchanged()) ClearText(data);
 }
 
 void ClearPattern(RegExClassData& data) {

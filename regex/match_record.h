@@ -12,7 +12,7 @@
 #include <memory>
 #include <span>
 
-#include "regex/match.h"
+#include "regex/match_result.h"
 
 namespace zrk {
 

@@ -5,8 +5,8 @@
 namespace zrk {
 
 MatchWalk::MatchWalk(RegExClassData& data, rbText& target)
-    : call_(PrepareCall(data)), bytes_(target.UTF8Bytes()) {
-  SetSubject(call_, target);
+    : call_(PrepareCall(data)), bytes_(target.UTF8().data()) {
+  SetSubject(call_, &target.UTF8Subject(), 0);
   call_.vector_size = kVectorSize;
 }
 

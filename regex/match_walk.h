@@ -5,7 +5,8 @@
 #include <cstdint>
 
 #include "regex/engine.h"
-#include "regex/match.h"
+#include "regex/match_result.h"
+#include "text/rb_text.h"
 
 namespace zrk {
 
@@ -36,7 +37,7 @@ class MatchWalk {
   void Advance();
 
   EngineCall call_;
-  const unsigned char* bytes_;
+  const char* bytes_;
   std::int32_t calls_ = 0;
   std::int32_t matches_ = 0;
   bool at_end_ = false;

@@ -1,82 +1,101 @@
 #include "regex/replace.h"
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <optional>
+#include <string_view>
 
-#include "regex/match.h"
 #include "regex/match_record.h"
 #include "regex/match_walk.h"
 #include "regex/replacement.h"
+#include "regex/subject.h"
+#include "text/build_string.h"
 
 namespace zrk {
 
 namespace {
 
-using Buffer = std::unique_ptr<unsigned char[]>;
+using Buffer = std::unique_ptr<char[]>;
 
-constexpr std::int64_t kSpareBytes = 5;
-
-// Room for that many bytes and what Append may write past them; null past the largest host string,
-// or without memory.
+// Room for that many bytes and what Append may write past them; null past the largest host string.
+// Throws std::bad_alloc.
 Buffer MakeBuffer(std::int64_t size) {
+  constexpr std::int64_t kSpareBytes = 5;
   if (size + kSpareBytes > INT32_MAX) return nullptr;
-  return Buffer(new (std::nothrow) unsigned char[static_cast<std::size_t>(size + kAtOnce)]);
+  return Buffer(new char[static_cast<std::size_t>(size + kCopyWidth)]);
+}
+
+std::string_view Written(const Buffer& buffer, const char* end) {
+  return {buffer.get(), static_cast<std::size_t>(end - buffer.get())};
+}
+
+// Runs a replace method: the object must be initialised and have a pattern, and Lasterror is 0 only
+// where text was built. Memory that cannot be had is no exception here.
+template <typename Body>
+REALstringStruct* RunReplace(RegExClassData& data, Body body) {
+  if (!RequireVector(data)) return nullptr;
+  data.Lasterror = kErrorPlugin;
+  if (data.Handle == nullptr) return nullptr;
+  try {
+    REALstringStruct* const result = body();
+    if (result != nullptr) data.Lasterror = 0;
+    return result;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 // The text around a match. With \K in a lookahead a match starts past its end, and what lies
 // between is then part of both.
 struct Surroundings {
-  Bytes before;
-  Bytes after;
+  std::string_view before;
+  std::string_view after;
 };
 
-Surroundings Around(const MatchResult& match) {
+// Nothing where the match does not lie within a kept subject.
+std::optional<Surroundings> Around(const MatchResult& match) {
   const Pair whole = match[0];
-  return {{match.subject, whole.start}, {match.subject + whole.end, match.length - whole.end}};
+  if (match.subject == nullptr || !whole.LiesWithin(match.length)) return std::nullopt;
+  return Surroundings{match.Between(0, whole.start), match.Between(whole.end, match.length)};
 }
 
-REALstringStruct* BuildUpToNul(const unsigned char* begin, unsigned char* end) {
-  *end = 0;
-  const char* const text = reinterpret_cast<const char*>(begin);
-  return BuildUTF8({begin, static_cast<std::int64_t>(std::strlen(text))});
-}
-
-REALstringStruct* Replaces(RegExClassData& data, REALstringStruct* new_text, bool selection_only) {
-  if (!RequireVector(data)) return nullptr;
-  data.Lasterror = kErrorPlugin;
-  if (data.Handle == nullptr) return nullptr;
-  rbText text(new_text);
-  if (data.Count < 1) {
-    data.Lasterror = 0;
-    return nullptr;
-  }
-  ForgetLostSubject(data);
-  const MatchResult match = LastMatch(data);
-  if (match.subject == nullptr || !match[0].LiesWithin(match.length)) return nullptr;
-
-  const Replacement replacement({text.UTF8Bytes(), text.UTF8Length()}, match.pairs - 1);
-  if (!replacement.IsValid()) return nullptr;
-  const Surroundings around = selection_only ? Surroundings{} : Around(match);
-  const Buffer buffer =
-      MakeBuffer(around.before.length + replacement.LengthFor(match) + around.after.length);
+// The text for the object's last match, up to its first NUL byte.
+REALstringStruct* BuildReplacement(const MatchResult& match, rbText& new_text,
+                                   const Surroundings& around) {
+  const Replacement replacement(new_text.UTF8(), match.pairs - 1);
+  const auto length = static_cast<std::int64_t>(around.before.size() + around.after.size());
+  const Buffer buffer = MakeBuffer(length + replacement.LengthFor(match));
   if (buffer == nullptr) return nullptr;
-  const unsigned char* const subject_end = match.subject + match.length;
-  unsigned char* end = Append(around.before, subject_end, buffer.get());
+  const char* const subject_end = match.subject + match.length;
+  char* end = Append(around.before, subject_end, buffer.get());
   end = replacement.WriteFor(match, end);
   end = Append(around.after, subject_end, end);
-  REALstringStruct* const result = BuildUpToNul(buffer.get(), end);
-  if (result != nullptr) data.Lasterror = 0;
-  return result;
+  const std::string_view text = Written(buffer, end);
+  return BuildUTF8(text.substr(0, text.find('\0')));
+}
+
+// The replacement alone copies nothing around the match, so it needs no kept subject.
+REALstringStruct* ReplaceMatch(RegExClassData& data, REALstringStruct* new_text,
+                               bool selection_only) {
+  return RunReplace(data, [&]() -> REALstringStruct* {
+    rbText text(new_text);
+    if (data.Count < 1) {
+      data.Lasterror = 0;
+      return nullptr;
+    }
+    const Released lost = ClearLostSubject(data);
+    const MatchResult match = LastMatch(data);
+    const auto around = selection_only ? Surroundings{} : Around(match);
+    return around ? BuildReplacement(match, text, *around) : nullptr;
+  });
 }
 
 // The result of ReplaceAll as it is put together. No byte of the target is copied twice, also where
 // a match begins before the last one ended or after its own end.
 class Builder {
  public:
-  Builder(unsigned char* out, Bytes target) : begin_(out), end_(out), target_(target) {}
+  Builder(char* out, std::string_view target) : end_(out), target_(target) {}
 
   void Replace(const MatchResult& match, const Replacement& replacement) {
     CopyTo(match[0].start);
@@ -87,20 +106,22 @@ class Builder {
     CopyTo(match[0].start);
     copied_ = std::max(copied_, match[0].end);
   }
-  void AddRest() { CopyTo(static_cast<std::int32_t>(target_.length)); }
-
-  Bytes result() const { return {begin_, end_ - begin_}; }
+  // Adds the rest of the target and answers where the result ends.
+  const char* Finish() {
+    CopyTo(static_cast<std::int32_t>(target_.size()));
+    return end_;
+  }
 
  private:
   void CopyTo(std::int32_t offset) {
     if (offset <= copied_) return;
-    end_ = Append({target_.data + copied_, offset - copied_}, target_.data + target_.length, end_);
+    const auto length = static_cast<std::size_t>(offset - copied_);
+    end_ = Append({target_.data() + copied_, length}, target_.data() + target_.size(), end_);
     copied_ = offset;
   }
 
-  unsigned char* begin_;
-  unsigned char* end_;
-  Bytes target_;
+  char* end_;
+  std::string_view target_;
   std::int32_t copied_ = 0;
 };
 
@@ -117,26 +138,24 @@ std::int64_t MeasureMatches(MatchWalk& walk, const Replacement& replacement, Mat
 }
 
 REALstringStruct* DeleteMatches(RegExClassData& data, rbText& target) {
-  const Bytes bytes{target.UTF8Bytes(), target.UTF8Length()};
-  const Buffer buffer = MakeBuffer(bytes.length);
+  const std::string_view bytes = target.UTF8();
+  const Buffer buffer = MakeBuffer(static_cast<std::int64_t>(bytes.size()));
   if (buffer == nullptr) return nullptr;
   Builder builder(buffer.get(), bytes);
   MatchWalk walk(data, target);
   while (walk.Next()) builder.Delete(walk.match());
-  builder.AddRest();
   data.Count = walk.calls();
-  return BuildUTF8(builder.result());
+  return BuildUTF8(Written(buffer, builder.Finish()));
 }
 
-REALstringStruct* ReplaceMatches(RegExClassData& data, rbText& target, Bytes new_text) {
-  const Bytes bytes{target.UTF8Bytes(), target.UTF8Length()};
+REALstringStruct* ReplaceMatches(RegExClassData& data, rbText& target, std::string_view new_text) {
+  const std::string_view bytes = target.UTF8();
   const Replacement replacement(new_text, Replacement::kNamableGroups);
-  if (!replacement.IsValid()) return nullptr;
   MatchWalk walk(data, target);
-  MatchRecord record(replacement.groups(), static_cast<std::size_t>(bytes.length));
+  MatchRecord record(replacement.groups(), bytes.size());
   std::optional<MatchWalk> unrecorded;
-  const std::int64_t size = bytes.length + MeasureMatches(walk, replacement, record, unrecorded);
-  const Buffer buffer = MakeBuffer(size);
+  const auto length = static_cast<std::int64_t>(bytes.size());
+  const Buffer buffer = MakeBuffer(length + MeasureMatches(walk, replacement, record, unrecorded));
   if (buffer == nullptr) return nullptr;
 
   Builder builder(buffer.get(), bytes);
@@ -147,37 +166,28 @@ REALstringStruct* ReplaceMatches(RegExClassData& data, rbText& target, Bytes new
     do builder.Replace(unrecorded->match(), replacement);
     while (unrecorded->matches() < walk.matches() && unrecorded->Next());
   }
-  builder.AddRest();
   data.Count = walk.calls();
-  return BuildUTF8(builder.result());
+  return BuildUTF8(Written(buffer, builder.Finish()));
 }
 
 }  // namespace
 
 REALstringStruct* Replace(RegExClassData& data, REALstringStruct* NewText) {
-  return Replaces(data, NewText, false);
+  return ReplaceMatch(data, NewText, false);
 }
 
 REALstringStruct* ReplaceSelection(RegExClassData& data, REALstringStruct* NewText) {
-  return Replaces(data, NewText, true);
+  return ReplaceMatch(data, NewText, true);
 }
 
 REALstringStruct* ReplaceAll(RegExClassData& data, REALstringStruct* Target,
                              REALstringStruct* NewText) {
-  if (!RequireVector(data)) return nullptr;
-  data.Lasterror = kErrorPlugin;
-  if (data.Handle == nullptr) return nullptr;
-  rbText target(Target);
-  rbText text(NewText);
-  try {
-    const Bytes new_text{text.UTF8Bytes(), text.UTF8Length()};
-    REALstringStruct* const result =
-        new_text.length > 0 ? ReplaceMatches(data, target, new_text) : DeleteMatches(data, target);
-    if (result != nullptr) data.Lasterror = 0;
-    return result;
-  } catch (const std::bad_alloc&) {
-    return nullptr;  // as for every other piece of memory that a replace method cannot have
-  }
+  return RunReplace(data, [&] {
+    rbText target(Target);
+    rbText text(NewText);
+    const std::string_view new_text = text.UTF8();
+    return new_text.empty() ? DeleteMatches(data, target) : ReplaceMatches(data, target, new_text);
+  });
 }
 
 }  // namespace zrk

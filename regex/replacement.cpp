@@ -1,91 +1,90 @@
 #include "regex/replacement.h"
 
 #include <algorithm>
-#include <cstring>
-#include <new>
+#include <bitset>
 
 namespace zrk {
 
 namespace {
 
-constexpr unsigned char kEscape = '\\';
+constexpr char kEscape = '\\';
 
-bool IsDigit(unsigned char byte) { return byte >= '0' && byte <= '9'; }
+bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
 
-const unsigned char* FindEscape(const unsigned char* from, const unsigned char* end) {
-  if (from == end) return end;
-  const void* const found = std::memchr(from, kEscape, static_cast<std::size_t>(end - from));
-  return found != nullptr ? static_cast<const unsigned char*>(found) : end;
+// What an escaped byte that is no digit stands for.
+char Unescaped(char byte) {
+  switch (byte) {
+    case 't':
+      return '\t';
+    case 'r':
+      return '\r';
+    case 'n':
+      return '\n';
+    default:
+      return byte;
+  }
 }
-
-// What an escaped byte stands for: itself, but for three letters.
-struct ControlEscape {
-  unsigned char escaped;
-  unsigned char character;
-};
-constexpr ControlEscape kControlEscapes[] = {{'t', '\t'}, {'r', '\r'}, {'n', '\n'}};
-constexpr unsigned char kNul = 0;
 
 }  // namespace
 
-Replacement::Replacement(Bytes text, std::int32_t group_bound) {
-  const auto escapes =
-      static_cast<std::size_t>(std::count(text.data, text.data + text.length, kEscape));
-  pieces_.reset(new (std::nothrow) Piece[2 * escapes + 1]);
-  if (pieces_ != nullptr) Split(text, group_bound);
+Replacement::Replacement(std::string_view text, std::int32_t group_bound) {
+  // Each group takes a backslash and a digit at least.
+  const auto escapes = static_cast<std::size_t>(std::ranges::count(text, kEscape));
+  insertions_.reserve(std::min(escapes, text.size() / 2));
+  literals_.reserve(text.size() + kCopyWidth);
+  Split(text, group_bound);
+  ListGroups();
+  literal_length_ = literals_.size();
+  literals_.append(kCopyWidth, '\0');
 }
 
-void Replacement::Split(Bytes text, std::int32_t group_bound) {
-  const unsigned char* const end = text.data + text.length;
-  const unsigned char* at = FindEscape(text.data, end);
-  AddLiteral(text.data, at);
-  while (at != end) {
-    const unsigned char* const escaped = at + 1;
-    if (escaped == end) return AddLiteral(&kNul, &kNul + 1);
-    const unsigned char* rest = escaped + 1;
-    const auto* const control =
-        std::find_if(std::begin(kControlEscapes), std::end(kControlEscapes),
-                     [=](ControlEscape escape) { return escape.escaped == *escaped; });
-    if (IsDigit(*escaped)) {
-      std::int32_t group = *escaped - '0';
-      if (rest != end && IsDigit(*rest)) group = 10 * group + (*rest++ - '0');
-      if (group < group_bound) AddGroup(group);
-    } else if (control != std::end(kControlEscapes)) {
-      AddLiteral(&control->character, &control->character + 1);
-    } else {
-      AddLiteral(escaped, rest);
+void Replacement::Split(std::string_view text, std::int32_t group_bound) {
+  std::size_t last_insertion = 0;  // in literals_
+  for (std::size_t at = 0;;) {
+    const std::size_t escape = std::min(text.find(kEscape, at), text.size());
+    literals_.append(text, at, escape - at);
+    if (escape == text.size()) return;
+    if (escape + 1 == text.size()) return literals_.push_back('\0');
+    const char escaped = text[escape + 1];
+    at = escape + 2;
+    if (!IsDigit(escaped)) {
+      literals_.push_back(Unescaped(escaped));
+      continue;
     }
-    at = FindEscape(rest, end);
-    AddLiteral(rest, at);
+    std::int32_t group = escaped - '0';
+    if (at < text.size() && IsDigit(text[at])) group = 10 * group + (text[at++] - '0');
+    if (group >= group_bound) continue;
+    insertions_.push_back({static_cast<std::uint32_t>(literals_.size() - last_insertion), group});
+    last_insertion = literals_.size();
   }
 }
 
-void Replacement::AddLiteral(const unsigned char* from, const unsigned char* to) {
-  if (from == to) return;
-  Piece& piece = pieces_[count_++];
-  piece = {.group = kLiteral, .literal = {from, to - from}, .few = {}};
-  if (piece.literal.length > kAtOnce) return;
-  std::copy(from, to, piece.few);
-  piece.literal.data = piece.few;
-}
-
-void Replacement::AddGroup(std::int32_t group) {
-  pieces_[count_++].group = group;
-  if (group == 0 || std::ranges::count(groups(), group) > 0) return;
-  groups_[group_count_++] = group;
+void Replacement::ListGroups() {
+  std::bitset<kNamableGroups> named;
+  for (const Insertion& insertion : insertions_) {
+    const auto group = static_cast<std::size_t>(insertion.group);
+    if (group == 0 || named[group]) continue;
+    named.set(group);
+    groups_[group_count_++] = insertion.group;
+  }
 }
 
 std::int64_t Replacement::LengthFor(const MatchResult& match) const {
-  std::int64_t length = 0;
-  for (const Piece& piece : pieces()) length += piece.TextFor(match).length;
-  return length;
+  std::size_t length = literal_length_;
+  for (const Insertion& insertion : insertions_) length += match.Text(insertion.group).size();
+  return static_cast<std::int64_t>(length);
 }
 
-unsigned char* Replacement::WriteFor(const MatchResult& match, unsigned char* out) const {
-  for (const Piece& piece : pieces()) {
-    out = Append(piece.TextFor(match), piece.ReadableEnd(match), out);
+char* Replacement::WriteFor(const MatchResult& match, char* out) const {
+  const char* const subject_end = match.subject + match.length;
+  const char* const readable_end = literals_.data() + literals_.size();
+  std::string_view rest(literals_.data(), literal_length_);
+  for (const Insertion& insertion : insertions_) {
+    out = Append(rest.substr(0, insertion.literal_length), readable_end, out);
+    out = Append(match.Text(insertion.group), subject_end, out);
+    rest.remove_prefix(insertion.literal_length);
   }
-  return out;
+  return Append(rest, readable_end, out);
 }
 
 }  // namespace zrk

@@ -8,75 +8,66 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
-#include "regex/match.h"
+#include "regex/match_result.h"
 
 namespace zrk {
 
 // Pieces of a text are mostly a few bytes long, and finding out how few costs more than copying
-// some that are not needed. Where a text is put together, that many bytes may be written past its
-// end.
-inline constexpr std::int64_t kAtOnce = 16;
+// some that are not needed. So many bytes may be written past the end of a text that is put
+// together.
+inline constexpr std::ptrdiff_t kCopyWidth = 16;
 
 // Copies bytes, which may be none, and answers where the copy ends. What stands behind them may be
 // read up to readable_end.
-inline unsigned char* Append(Bytes bytes, const unsigned char* readable_end, unsigned char* out) {
-  if (bytes.length == 0) return out;
-  if (bytes.length <= kAtOnce && readable_end - bytes.data >= kAtOnce) {
-    std::memcpy(out, bytes.data, kAtOnce);
+inline char* Append(std::string_view bytes, const char* readable_end, char* out) {
+  if (bytes.empty()) return out;
+  if (bytes.size() <= kCopyWidth && readable_end - bytes.data() >= kCopyWidth) {
+    std::memcpy(out, bytes.data(), kCopyWidth);
   } else {
-    std::memcpy(out, bytes.data, static_cast<std::size_t>(bytes.length));
+    std::memcpy(out, bytes.data(), bytes.size());
   }
-  return out + bytes.length;
+  return out + bytes.size();
 }
 
-// Replacement text taken apart once, to be put together for any number of matches. The pieces point
-// into the text, which must outlive them.
+// Replacement text taken apart once, to be put together for any number of matches. Takes at most
+// five times the text's length in memory.
 class Replacement {
  public:
   // Two digits name a group.
   static constexpr std::int32_t kNamableGroups = 100;
 
-  // Groups from group_bound on read as empty. Check IsValid afterwards.
-  Replacement(Bytes text, std::int32_t group_bound);
+  // Groups from group_bound on read as empty. Throws std::bad_alloc.
+  Replacement(std::string_view text, std::int32_t group_bound);
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
 
-  // False where memory was short.
-  bool IsValid() const { return pieces_ != nullptr; }
   // The groups above 0 that it names, each once.
   std::span<const std::int32_t> groups() const { return {groups_, group_count_}; }
 
   // The length in bytes of the text for a match, and the text itself, written at out; answers where
   // it ends.
   std::int64_t LengthFor(const MatchResult& match) const;
-  unsigned char* WriteFor(const MatchResult& match, unsigned char* out) const;
+  char* WriteFor(const MatchResult& match, char* out) const;
 
  private:
-  // A group's text, or literal bytes where group is kLiteral.
-  static constexpr std::int32_t kLiteral = -1;
-  struct Piece {
+  // A group's text goes here, behind so many literal bytes.
+  struct Insertion {
+    std::uint32_t literal_length;
     std::int32_t group;
-    Bytes literal;
-    unsigned char few[kAtOnce];  // a short literal, with room to be read at once
-
-    Bytes TextFor(const MatchResult& match) const {
-      return group == kLiteral ? literal : match.Text(group);
-    }
-    // Where what may be read behind that text ends.
-    const unsigned char* ReadableEnd(const MatchResult& match) const {
-      if (group != kLiteral) return match.subject + match.length;
-      return literal.data == few ? few + kAtOnce : literal.data + literal.length;
-    }
   };
 
-  void Split(Bytes text, std::int32_t group_bound);
-  void AddLiteral(const unsigned char* from, const unsigned char* to);
-  void AddGroup(std::int32_t group);
-  std::span<const Piece> pieces() const { return {pieces_.get(), count_}; }
+  void Split(std::string_view text, std::int32_t group_bound);
+  void ListGroups();
 
-  std::unique_ptr<Piece[]> pieces_;
-  std::size_t count_ = 0;
+  // All literal bytes, escapes resolved, and behind them what Append may read.
+  std::string literals_;
+  std::size_t literal_length_ = 0;
+  std::vector<Insertion> insertions_;
   std::int32_t groups_[kNamableGroups];
   std::size_t group_count_ = 0;
 };

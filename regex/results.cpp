@@ -1,11 +1,12 @@
 #include "regex/results.h"
 
 #include <algorithm>
-#include <cstring>
 #include <optional>
+#include <string_view>
 
 #include "host/exceptions.h"
-#include "regex/match.h"
+#include "regex/subject.h"
+#include "text/build_string.h"
 
 namespace zrk {
 
@@ -13,13 +14,20 @@ namespace {
 
 // One entry of the engine's name table (pcreapi, PCRE_INFO_NAMETABLE): the group's number in two
 // bytes, the high one first, and its zero-terminated name.
-struct NameEntry {
-  const unsigned char* bytes;
+class NameEntry {
+ public:
+  explicit NameEntry(const char* entry) : entry_(entry) {}
+  HostInteger number() const {
+    return static_cast<unsigned char>(entry_[0]) << 8 | static_cast<unsigned char>(entry_[1]);
+  }
+  const char* name() const { return entry_ + 2; }
 
-  HostInteger number() const { return (bytes[0] << 8) + bytes[1]; }
-  const char* name() const { return reinterpret_cast<const char*>(bytes) + 2; }
+ private:
+  const char* entry_;
 };
 
+// The engine's entry at an index of the vector; nothing, with the exception raised, where there is
+// none.
 std::optional<std::int32_t> EntryAt(const RegExClassData& data, HostInteger index,
                                     const char* method) {
   if (!CheckIndex(index, data.VectorSize, method) || !RequireVector(data)) return std::nullopt;
@@ -30,11 +38,11 @@ std::optional<std::int32_t> EntryAt(const RegExClassData& data, HostInteger inde
 bool BeginSubstring(RegExClassData& data) {
   if (!RequireVector(data)) return false;
   data.Lasterror = kErrorPlugin;
-  ForgetLostSubject(data);
   return data.Handle != nullptr;
 }
 
-// From a third of the vector on its entries are pairs no more; those below its size read as empty.
+// From a third of the vector on its entries are the engine's work area and no pairs: an index there
+// reads as an empty group, one past the vector as a group that cannot be.
 REALstringStruct* BuildSubstring(RegExClassData& data, HostInteger index) {
   const MatchResult match = LastMatch(data);
   data.Lasterror = PCRE_ERROR_NOSUBSTRING;
@@ -43,27 +51,27 @@ REALstringStruct* BuildSubstring(RegExClassData& data, HostInteger index) {
     data.Lasterror = 0;
     return nullptr;
   }
-  const Bytes text = match.Text(index);
-  if (text.length == 0) return nullptr;
+  const std::string_view text = match.Text(index);
+  if (text.empty()) return nullptr;
   data.Lasterror = 0;
-  const void* const nul = std::memchr(text.data, 0, static_cast<std::size_t>(text.length));
-  if (nul == nullptr) return BuildUTF8(text);
-  return BuildUTF8({text.data, static_cast<const unsigned char*>(nul) - text.data});
+  return BuildUTF8(text.substr(0, text.find('\0')));
 }
 
 // The group of that name, or a negative code. Of several groups with the name it is the first that
-// is set, or else the first.
+// is set, and PCRE_ERROR_NOSUBSTRING when none is (pcreapi, "Duplicate subpattern names"). The
+// engine's own call is not used: where none is set, it answers with the next name of its table.
 int FindGroup(const RegExClassData& data, const char* name) {
   char* first = nullptr;
   char* last = nullptr;
   const int entry_size = pcre_get_stringtable_entries(data.Handle, name, &first, &last);
   if (entry_size <= 0) return entry_size;
+  if (first == last) return NameEntry(first).number();
   const MatchResult match = LastMatch(data);
   for (const char* entry = first; entry <= last; entry += entry_size) {
-    const int number = NameEntry{reinterpret_cast<const unsigned char*>(entry)}.number();
+    const int number = NameEntry(entry).number();
     if (number < match.pairs && match[number].start >= 0) return number;
   }
-  return NameEntry{reinterpret_cast<const unsigned char*>(first)}.number();
+  return PCRE_ERROR_NOSUBSTRING;
 }
 
 template <typename Value>
@@ -78,22 +86,26 @@ HostInteger GetOffset(RegExClassData& data, HostInteger index) {
 }
 
 HostInteger GetOffsetChar(RegExClassData& data, HostInteger index) {
-  const std::int32_t offset = EntryAt(data, index, "OffsetCharacters").value_or(0);
-  ForgetLostSubject(data);
-  SubjectNotes* const notes = NotesOf(data);
-  if (offset < 1 || notes == nullptr) return 0;
-  return static_cast<HostInteger>(notes->CharactersBefore(
-      data.TextPointer, static_cast<std::size_t>(std::min(offset, data.TextLength))));
+  const std::optional<std::int32_t> offset = EntryAt(data, index, "OffsetCharacters");
+  if (offset.value_or(0) < 1) return 0;
+  const Released lost = ClearLostSubject(data);
+  SubjectBytes* const subject = SubjectOf(data);
+  if (subject == nullptr || data.TextPointer == nullptr) return 0;
+  return static_cast<HostInteger>(
+      subject->CharactersBefore(static_cast<std::size_t>(std::min(*offset, data.TextLength))));
 }
 
 REALstringStruct* rb_pcre_get_substringI(RegExClassData& data, HostInteger index) {
-  return BeginSubstring(data) ? BuildSubstring(data, index) : nullptr;
+  if (!BeginSubstring(data)) return nullptr;
+  const Released lost = ClearLostSubject(data);
+  return BuildSubstring(data, index);
 }
 
 REALstringStruct* rb_pcre_get_substringN(RegExClassData& data, REALstringStruct* name) {
   if (!BeginSubstring(data)) return nullptr;
+  const Released lost = ClearLostSubject(data);
   rbText text(name);
-  const int group = FindGroup(data, text.UTF8Text());
+  const int group = FindGroup(data, text.UTF8().data());
   if (group >= 0) return BuildSubstring(data, group);
   data.Lasterror = group;
   return nullptr;
@@ -103,7 +115,7 @@ HostInteger rbpcre_get_stringnumber(RegExClassData& data, REALstringStruct* name
   data.Lasterror = kErrorPlugin;
   if (data.Handle == nullptr) return 0;
   rbText text(name);
-  const int group = pcre_get_stringnumber(data.Handle, text.UTF8Text());
+  const int group = pcre_get_stringnumber(data.Handle, text.UTF8().data());
   data.Lasterror = std::min(group, 0);
   return std::max(group, 0);
 }
@@ -113,7 +125,7 @@ REALstringStruct* InfoNameEntry(RegExClassData& data, HostInteger Index) {
   int groups = 0;
   int names = 0;
   int entry_size = 0;
-  const unsigned char* table = nullptr;
+  const char* table = nullptr;
   if (!ReadInfo(data, PCRE_INFO_CAPTURECOUNT, groups) ||
       !ReadInfo(data, PCRE_INFO_NAMECOUNT, names) ||
       !ReadInfo(data, PCRE_INFO_NAMEENTRYSIZE, entry_size) ||
@@ -122,9 +134,8 @@ REALstringStruct* InfoNameEntry(RegExClassData& data, HostInteger Index) {
   }
   if (!CheckIndex(Index, std::int64_t{groups} + 1, "InfoNameEntry")) return nullptr;
   for (int i = 0; i < names; ++i) {
-    const NameEntry entry{table + i * entry_size};
-    if (entry.number() != Index) continue;
-    return REALBuildUnicodeString(entry.name(), kEncodingUTF8);
+    const NameEntry entry(table + i * entry_size);
+    if (entry.number() == Index) return BuildUTF8(entry.name());
   }
   return nullptr;
 }

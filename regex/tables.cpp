@@ -10,7 +10,7 @@
 #include "regex/entry.h"
 #include "regex/escape.h"
 #include "regex/execute.h"
-#include "regex/match_arrays.h"
+#include "regex/match.h"
 #include "regex/options.h"
 #include "regex/replace.h"
 #include "regex/results.h"

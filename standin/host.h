@@ -30,6 +30,9 @@
 
 namespace standin {
 
+// Thrown by Fault::before, it goes on into the library, as a native exception of a host would.
+struct NativeException {};
+
 // What goes wrong with one service.
 struct Fault {
   bool missing = false;       // the resolver answers null ...

@@ -126,8 +126,7 @@ std::uint64_t Switchboard::Calls(std::string_view service) const {
   return calls;
 }
 
-ServiceCall::ServiceCall(std::size_t row, const char* name) noexcept
-    : host_(Host::Current()), name_(name) {
+ServiceCall::ServiceCall(std::size_t row, const char* name) : host_(Host::Current()), name_(name) {
   if (!host_) return;
   try {
     if (!host_->accounts().OnHostThread()) {
@@ -138,6 +137,9 @@ ServiceCall::ServiceCall(std::size_t row, const char* name) noexcept
     outer_call_ = host_->accounts().BeginCall(name);
     admitted_ = row == kNoRow || host_->AdmitCall(row);
     if (!admitted_ && Tracing()) Trace("(...) -> nothing, by a fault");
+  } catch (const NativeException&) {
+    host_->accounts().ResumeCall(outer_call_);
+    throw;
   } catch (const std::exception& error) {
     Failed(error.what());
   } catch (...) {

@@ -1,5 +1,6 @@
 // The roster of services, and what happens to every call on its way to one: the thread is checked,
-// the call counted and traced, faults applied, and no C++ exception goes back into the library.
+// the call counted and traced, faults applied, and no C++ exception but the one that a fault asks
+// for goes back into the library.
 #ifndef ZRK_STANDIN_SWITCHBOARD_H
 #define ZRK_STANDIN_SWITCHBOARD_H
 
@@ -67,7 +68,8 @@ class Switchboard {
 // One call under way, from a row of the roster or a procedure; must be made on the stack.
 class ServiceCall {
  public:
-  ServiceCall(std::size_t row, const char* name) noexcept;
+  // Throws NativeException where a fault does.
+  ServiceCall(std::size_t row, const char* name);
   ~ServiceCall();
   ServiceCall(const ServiceCall&) = delete;
   ServiceCall& operator=(const ServiceCall&) = delete;
@@ -129,7 +131,7 @@ class ServiceCall {
 // fails. Running out of memory answers the neutral result and is no fault of the library.
 template <typename R, typename... A>
 R Answer(std::size_t row, const char* name, R (*implementation)(A...), int neutral,
-         A... arguments) noexcept {
+         A... arguments) {
   ServiceCall call(row, name);
   try {
     if (call.admitted()) {

@@ -93,7 +93,7 @@ HostString::~HostString() { Allow(&record, sizeof record); }
 
 std::string_view HostString::bytes() const {
   return {reinterpret_cast<const char*>(record.Buffer) + 1,
-          static_cast<std::size_t>(record.Length)};
+          static_cast<std::size_t>(std::max(record.Length, 0))};
 }
 
 // A late read of the record finds a text that no test expects, instead of a wild pointer.

@@ -121,6 +121,11 @@ void Value::Resize(std::size_t size) {
   if (auto* block = As<HostMemoryBlock>(*this)) block->Resize(size);
 }
 
+void Value::Claim(std::int32_t size) {
+  if (auto* block = As<HostMemoryBlock>(*this)) block->record.Size = size;
+  if (auto* string = As<HostString>(*this)) string->record.Length = size;
+}
+
 std::string Value::Describe() const {
   if (kind_ == Kind::kInteger) return std::to_string(Integer());
   if (kind_ == Kind::kBoolean) return Boolean() ? "True" : "False";

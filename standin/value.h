@@ -96,6 +96,8 @@ class Value {
 
   // A new size for an array, in elements, or for a memory block, in bytes, which then moves.
   void Resize(std::size_t size);
+  // What a memory block or a string says its size is from now on; its bytes stay where they are.
+  void Claim(std::int32_t size);
 
   // For reports and traces: `string #3 "abc"`, `5`, `True`, `nil`.
   std::string Describe() const;

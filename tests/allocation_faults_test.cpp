@@ -1,16 +1,19 @@
 // Memory runs out once: for every method, at its first allocation, at its second, and so on until
 // it makes no more. The object stays usable each time, and nothing is lost.
 //
-// This program replaces the allocator. Only what the library or the engine asks for may fail, which
-// the address of the caller tells; the stand-in host always gets its memory. A library with the C++
-// runtime and the engine inside asks for all of it by malloc and calloc.
+// This program replaces the allocator. Only what the library or the engine asks for may fail, also
+// by way of the C++ runtime, which the addresses of the callers tell; the stand-in host always gets
+// its memory.
+#include <execinfo.h>
 #include <gtest/gtest.h>
 #include <link.h>
 #include <pcre.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <new>
 #include <set>
 #include <string>
@@ -29,45 +32,77 @@ namespace {
 
 using namespace tests;
 
-// Counts the library's allocations from Arm on and lets the chosen one fail.
-struct Allocations {
+// The code of one loaded library.
+struct Code {
   std::uintptr_t low = 0;
   std::uintptr_t high = 0;
+
+  bool Contains(const void* address) const {
+    const auto number = reinterpret_cast<std::uintptr_t>(address);
+    return number >= low && number < high;
+  }
+};
+
+// Counts the library's allocations from Arm on and lets the chosen one fail.
+struct Allocations {
+  Code library;
+  Code runtime;
   int made = 0;
   int failing = 0;
+  std::size_t bytes = 0;
 
   void Arm(int which) {
     made = 0;
+    bytes = 0;
     failing = which;
   }
   // Whether the chosen allocation was reached.
   bool Disarm() { return std::exchange(failing, 0) <= made; }
   bool Fails() { return failing > 0 && ++made == failing; }
-  bool FailsFor(const void* caller) {
-    const auto address = reinterpret_cast<std::uintptr_t>(caller);
-    return address >= low && address < high && Fails();
+  bool FailsFor(const void* caller, std::size_t size) {
+    if (failing == 0 || !IsTheLibrarys(caller)) return false;
+    bytes += size;
+    return Fails();
+  }
+
+  bool IsTheLibrarys(const void* caller) const {
+    if (!runtime.Contains(caller)) return library.Contains(caller);
+    void* frames[16];
+    void** const end = frames + backtrace(frames, std::size(frames));
+    void** const first = std::find(frames, end, caller);
+    void** const asker =
+        std::find_if(first, end, [this](const void* frame) { return !runtime.Contains(frame); });
+    return asker != end && library.Contains(*asker);
   }
 };
 
 constinit Allocations allocations;
 constexpr int kNever = 1 << 20;
 
-void* Allocate(std::size_t size) { return std::malloc(size > 0 ? size : 1); }
+// Null where the chosen allocation is this one.
+void* Allocate(std::size_t size, const void* caller) {
+  return allocations.FailsFor(caller, size) ? nullptr : std::malloc(size > 0 ? size : 1);
+}
+
+void* OrThrow(void* memory) {
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
 
 }  // namespace
 
 // Never inlined, or the caller would be somebody else.
 [[gnu::noinline]] void* operator new(std::size_t size) {
-  void* memory = allocations.FailsFor(__builtin_return_address(0)) ? nullptr : Allocate(size);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
+  return OrThrow(Allocate(size, __builtin_return_address(0)));
+}
+[[gnu::noinline]] void* operator new[](std::size_t size) {
+  return OrThrow(Allocate(size, __builtin_return_address(0)));
+}
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return Allocate(size, __builtin_return_address(0));
 }
 [[gnu::noinline]] void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return allocations.FailsFor(__builtin_return_address(0)) ? nullptr : Allocate(size);
-}
-[[gnu::noinline]] void* operator new[](std::size_t size) { return operator new(size); }
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t& nothrow) noexcept {
-  return operator new[](size, nothrow);
+  return Allocate(size, __builtin_return_address(0));
 }
 [[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
@@ -75,11 +110,11 @@ void* Allocate(std::size_t size) { return std::malloc(size > 0 ? size : 1); }
 [[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 extern "C" void* malloc(std::size_t size) {
-  if (allocations.FailsFor(__builtin_return_address(0))) return nullptr;
+  if (allocations.FailsFor(__builtin_return_address(0), size)) return nullptr;
   return __interceptor_malloc != nullptr ? __interceptor_malloc(size) : __libc_malloc(size);
 }
 extern "C" void* calloc(std::size_t count, std::size_t size) {
-  if (allocations.FailsFor(__builtin_return_address(0))) return nullptr;
+  if (allocations.FailsFor(__builtin_return_address(0), count * size)) return nullptr;
   return __interceptor_calloc != nullptr ? __interceptor_calloc(count, size)
                                          : __libc_calloc(count, size);
 }
@@ -90,14 +125,16 @@ void* AllocateForEngine(std::size_t size) {
   return allocations.Fails() ? nullptr : std::malloc(size);
 }
 
-// The addresses of the library copy that was loaded last.
-int FindLibrary(dl_phdr_info* info, std::size_t, void*) {
-  if (std::strstr(info->dlpi_name, "libZRKRegEx") == nullptr) return 0;
+// Of several copies of the library the one that was loaded last.
+int FindCode(dl_phdr_info* info, std::size_t, void*) {
+  const bool is_library = std::strstr(info->dlpi_name, "libZRKRegEx") != nullptr;
+  if (!is_library && std::strstr(info->dlpi_name, "libstdc++") == nullptr) return 0;
+  Code& code = is_library ? allocations.library : allocations.runtime;
   for (int i = 0; i < info->dlpi_phnum; ++i) {
     const ElfW(Phdr)& segment = info->dlpi_phdr[i];
     if (segment.p_type != PT_LOAD || (segment.p_flags & PF_X) == 0) continue;
-    allocations.low = info->dlpi_addr + segment.p_vaddr;
-    allocations.high = allocations.low + segment.p_memsz;
+    code.low = info->dlpi_addr + segment.p_vaddr;
+    code.high = code.low + segment.p_memsz;
   }
   return 0;
 }
@@ -106,7 +143,9 @@ int FindLibrary(dl_phdr_info* info, std::size_t, void*) {
 class AllocationFaults : public testing::Test {
  protected:
   AllocationFaults() : session_({.version = 2017.0, .terminate_string_data = false}) {
-    dl_iterate_phdr(FindLibrary, nullptr);
+    dl_iterate_phdr(FindCode, nullptr);
+    void* frame = nullptr;
+    backtrace(&frame, 1);  // the first call allocates
     pcre_malloc = AllocateForEngine;
   }
   ~AllocationFaults() override { pcre_malloc = std::malloc; }
@@ -246,6 +285,24 @@ TEST_F(AllocationFaults, MakeReplaceAllSlowerOrNull) {
     ++replaced_all;
   }
   EXPECT_GE(replaced_all, 3);
+}
+
+// A replacement text is taken apart once, into at most eight times its length, whatever stands in
+// it.
+TEST_F(AllocationFaults, LeaveReplacementTextsWithinEightTimesTheirLength) {
+  const Object regex = session_.Compiled("b");
+  for (const char* const piece : {"\\\\", "\\1", "\\q", "\\99", "a", "\\0a"}) {
+    SCOPED_TRACE(piece);
+    std::string text;
+    while (text.size() < 100'000) text += piece;
+    const tests::Values arguments = {"b", text};
+    allocations.Arm(kNever);
+    const Value result = regex.Call("ReplaceAll", arguments);
+    allocations.Disarm();
+    const std::size_t overhead = 4096;
+    const std::size_t copy_of_text = text.size() + 4;  // this host's texts need one
+    EXPECT_LE(allocations.bytes, 8 * text.size() + copy_of_text + result.Bytes().size() + overhead);
+  }
 }
 
 }  // namespace

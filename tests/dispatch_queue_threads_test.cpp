@@ -7,6 +7,7 @@
 #include <list>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "tests/session.h"
 
@@ -88,6 +89,26 @@ TEST(DispatchQueue, SharesTheRecordUntilBothSidesHaveLetGo) {
     Session session;
     const Object regex = session.Compiled("b");
     for (int i = 0; i < 200; ++i) ASSERT_EQ(regex.Call("ExecuteMT", {"abc"}).Integer(), 1);
+  }
+  queue.Join();
+}
+
+// The work uses what the waiting side owns: also an exception waits for it.
+TEST(DispatchQueue, IsWaitedForWhenAYieldThrows) {
+  queue.mood = Mood::kSlow;
+  {
+    Session session;
+    bool thrown = false;
+    session.host.SetFault("REALYieldToRB", {.before = [&] {
+                            if (!std::exchange(thrown, true)) throw standin::NativeException();
+                          }});
+    const Object regex = session.Compiled("b");
+    const auto start = std::chrono::steady_clock::now();
+    const auto outcome = regex.TryCall("ExecuteMT", {"abc"});
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(50));
+    EXPECT_EQ(tests::Raised(outcome),
+              "RuntimeException: Sorry, but there was an unnamed C++ Exception.");
+    EXPECT_EQ(regex.Call("ExecuteMT", {"abc"}).Integer(), 1);
   }
   queue.Join();
 }

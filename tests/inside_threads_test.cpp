@@ -1,7 +1,9 @@
-// The threaded runner itself, in the forms and failures that no method of the class reaches.
+// The threaded runner itself, in the forms and failures that no method of the class reaches, and what
+// objects on several threads share.
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -11,7 +13,11 @@
 
 #include "host/state.h"
 #include "host/threaded_runner.h"
+#include "regex/compile.h"
 #include "regex/engine.h"
+#include "regex/execute.h"
+#include "regex/match.h"
+#include "regex/replace.h"
 #include "regex/stack_depth.h"
 #include "standin/host.h"
 
@@ -150,11 +156,10 @@ TEST(Engine, RunsOnSeveralThreadsAtOnce) {
     data.Vector = vector.data();
     data.VectorSize = 30;
     for (int round = 0; round < 50; ++round) {
-      zrk::SubjectNotes notes;
       const std::string& text = round % 10 == 0 ? deep : shallow;
       zrk::EngineCall call = zrk::PrepareCall(data);
-      zrk::SetSubject(call, reinterpret_cast<const unsigned char*>(text.data()),
-                      static_cast<std::int32_t>(text.size()), notes);
+      zrk::SubjectBytes subject{text};
+      zrk::SetSubject(call, &subject, 0);
       EXPECT_EQ(zrk::RunEngine(call), 1);
       EXPECT_EQ(vector[1], call.length);
     }
@@ -163,6 +168,42 @@ TEST(Engine, RunsOnSeveralThreadsAtOnce) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) threads.emplace_back(search);
   for (std::thread& thread : threads) thread.join();
+}
+
+TEST_F(ThreadedRunner, WaitsForTheWorkWhenAnIdleCallThrows) {
+  const auto throwing_idle = [](void*) { throw standin::NativeException(); };
+  EXPECT_THROW(zrk::RunThreaded(&seen_, SlowWork, throwing_idle), standin::NativeException);
+  EXPECT_EQ(seen_.works, 1);
+}
+
+// A program may give each of its threads an object. This host lacks every service, so what the
+// threads share is the library's own.
+TEST(Objects, MayEachHaveAThread) {
+  static std::atomic<int> asked;
+  asked = 0;
+  zrk::ConnectHost([](const char*) -> zrk::HostFunction {
+    ++asked;
+    return nullptr;
+  });
+  static unsigned char pattern_bytes[] = "\0(?:a|b)+c";
+  static unsigned char text_bytes[] = "\0abababababc, and another abc";
+  const auto search = [] {
+    zrk::REALstringStruct pattern{pattern_bytes, sizeof pattern_bytes - 2, zrk::kEncodingUTF8};
+    zrk::REALstringStruct text{text_bytes, sizeof text_bytes - 2, zrk::kEncodingUTF8};
+    for (int i = 0; i < 200; ++i) {
+      zrk::RegExClassData data{};
+      zrk::RegExConstructor(data, 0);
+      ASSERT_TRUE(zrk::rb_pcre_compile2(data, &pattern));
+      ASSERT_EQ(zrk::rb_pcre_exec(data, &text, 0), 1);
+      ASSERT_EQ(zrk::rb_pcre_execAgain(data, 11), 1);
+      ASSERT_TRUE(zrk::Match(data, &text));
+      EXPECT_EQ(zrk::ReplaceAll(data, &text, nullptr), nullptr) << "this host builds no strings";
+      zrk::RegExDestructor(data);
+    }
+  };
+  std::thread others[] = {std::thread(search), std::thread(search), std::thread(search)};
+  for (std::thread& other : others) other.join();
+  EXPECT_GT(asked, 0);
 }
 
 }  // namespace

@@ -5,15 +5,16 @@
 #include <algorithm>
 #include <iterator>
 #include <random>
+#include <string>
 #include <string_view>
 #include <vector>
 
-#include "text/subject_notes.h"
+#include "text/subject_bytes.h"
 #include "text/utf8.h"
 
 namespace {
 
-using ByteString = std::vector<unsigned char>;
+using ByteString = std::string;
 
 std::size_t SlowSequenceLength(unsigned char lead) {
   if (lead >= 0xC0 && lead <= 0xDF) return 2;
@@ -80,22 +81,22 @@ ByteString RandomBytes(std::mt19937& random, std::size_t length, bool ascii, int
 void Check(const ByteString& bytes) {
   const std::size_t size = bytes.size();
   const bool ascii = std::ranges::all_of(bytes, [](unsigned char byte) { return byte < 0x80; });
-  EXPECT_EQ(zrk::IsASCII(bytes.data(), size), ascii);
-  EXPECT_EQ(zrk::HasBrokenCharacters(bytes.data(), size), SlowHasBrokenCharacters(bytes));
+  EXPECT_EQ(zrk::IsASCII(bytes), ascii);
+  EXPECT_EQ(zrk::HasBrokenCharacters(bytes), SlowHasBrokenCharacters(bytes));
 
-  ByteString safe = SlowWithoutUnsafeBytes(bytes);
-  EXPECT_EQ(zrk::HasUnsafeBytes(bytes.data(), size), safe != bytes);
-  safe.push_back(0);
-  EXPECT_EQ(zrk::CopyWithoutUnsafeBytes(bytes.data(), size), safe);
+  const ByteString safe = SlowWithoutUnsafeBytes(bytes);
+  EXPECT_EQ(zrk::HasUnsafeBytes(bytes), safe != bytes);
+  const std::vector<char> copy = zrk::CopyWithoutUnsafeBytes(bytes);
+  EXPECT_EQ(std::string_view(copy.data(), copy.size()), safe);
 
   const std::vector<std::size_t> counts = SlowCharacters(bytes);
   const std::size_t middle = size / 3;
-  const auto half_way = zrk::WalkCharacters(bytes.data(), {}, middle);
+  const auto half_way = zrk::WalkCharacters(bytes, {}, middle);
   EXPECT_EQ(half_way.characters, counts[middle]);
-  EXPECT_EQ(zrk::WalkCharacters(bytes.data(), half_way, size).characters, counts[size]);
-  zrk::SubjectNotes notes;
+  EXPECT_EQ(zrk::WalkCharacters(bytes, half_way, size).characters, counts[size]);
+  zrk::SubjectBytes subject(bytes);
   for (const std::size_t offset : {size, middle, size - middle, std::size_t{0}, size}) {
-    EXPECT_EQ(notes.CharactersBefore(bytes.data(), offset), counts[offset]);
+    EXPECT_EQ(subject.CharactersBefore(offset), counts[offset]);
   }
 }
 
@@ -122,7 +123,7 @@ TEST(UTF8, NoPlaceIsOverlooked) {
       for (std::size_t at = 0; at < length; at += step) {
         ByteString bytes(length, 'a');
         bytes[at] = static_cast<unsigned char>(odd);
-        if (odd == 0xF4 && at + 1 < length) bytes[at + 1] = 0x90;
+        if (odd == 0xF4 && at + 1 < length) bytes[at + 1] = '\x90';
         Check(bytes);
         if (HasFailure()) FAIL() << odd << " at " << at << " of " << length;
       }

@@ -242,4 +242,18 @@ TEST(MatchArray, RaisesForEachElementThatIsGoneAndTakesItAsEmpty) {
   });
 }
 
+// Hosts are asked for the procedure that reads elements only where an element has to come from it.
+TEST(MatchArray, AsksForAGetterOnlyWhereItIsUsed) {
+  OnEachHost([](Session& session) {
+    const Object regex = session.Compiled("a");
+    const auto& options = session.host.options();
+    const bool direct = options.direct_storage && options.version < 2017;
+    regex.Call("Match", {session.host.StringArray({"a", "b"})});
+    regex.Call("Match", {session.host.VariantArray({"a", "b"})});
+    for (const char* service : {"PluginStringArrayGetProc", "PluginObjectArrayGetProc"}) {
+      EXPECT_EQ(session.host.Calls(service), direct ? 0U : 1U) << service;
+    }
+  });
+}
+
 }  // namespace

@@ -145,7 +145,7 @@ TEST(MemoryBlock, ALengthPastTheEndIsRefused) {
 }
 
 // Every method that goes back to the kept bytes, after the block has moved.
-TEST(MemoryBlock, ABlockThatWasResizedIsLetGo) {
+TEST(MemoryBlock, ABlockThatMovedIsLetGo) {
   struct Row {
     const char* method;
     Value argument;
@@ -160,7 +160,7 @@ TEST(MemoryBlock, ABlockThatWasResizedIsLetGo) {
         {"Substring", "g", "", PCRE_ERROR_NOSUBSTRING},
         {"OffsetCharacters", 1, "0", 0},
         {"Replace", "x", "", -99},
-        {"ReplaceSelection", "x", "", -99},
+        {"ReplaceSelection", "x\\1", "x", 0},
     };
     for (const Row& row : rows) {
       for (const std::size_t size : {0U, 2U, 100U}) {
@@ -175,6 +175,28 @@ TEST(MemoryBlock, ABlockThatWasResizedIsLetGo) {
         EXPECT_EQ(regex.Get("Lasterror").Integer(), row.lasterror);
         EXPECT_TRUE(regex.Get("TextMemory").IsNil());
       }
+    }
+  });
+}
+
+// A block that grew where it is, or lost bytes behind the subject, still holds the subject.
+TEST(MemoryBlock, IsKeptWhileItHoldsTheSubject) {
+  struct Row {
+    int length, size;
+    bool kept;
+  };
+  const Row rows[] = {{0, 100, true}, {0, 7, true}, {0, 6, false},
+                      {0, -1, false}, {5, 5, true}, {5, 4, false}};
+  OnEachHost([&](Session& session) {
+    for (const Row& row : rows) {
+      SCOPED_TRACE(testing::Message() << row.length << ' ' << row.size);
+      const Object regex = session.Compiled("(?<g>b+?)");
+      Value block = session.host.MemoryBlock("aabbbcc");
+      ASSERT_EQ(regex.Call("ExecuteMemory", {block, 0, row.length}).Integer(), 2);
+      block.Claim(row.size);
+      EXPECT_EQ(regex.Call("Substring", {"g"}).UTF8(), row.kept ? "bbb" : "");
+      EXPECT_EQ(regex.Call("OffsetCharacters", {1}).Integer(), row.kept ? 5 : 0);
+      EXPECT_EQ(regex.Get("TextMemory").IsNil(), !row.kept);
     }
   });
 }

@@ -65,6 +65,46 @@ TEST(Offset, CharactersAreTheSameInAnyOrder) {
   }
 }
 
+// What the engine leaves in its vector after a search without a match is for nobody's eyes; where a
+// partial match is, is.
+TEST(Offset, IsZeroEverywhereAfterNoMatch) {
+  OnEachHost([](Session& session) {
+    const Value block = session.host.MemoryBlock("aab");
+    struct Row {
+      const char* method;
+      Values arguments;
+    };
+    const Row rows[] = {
+        {"Execute", {"aab"}},      {"Execute", {1}},   {"ExecuteMemory", {block}},
+        {"ExecuteMT", {"aab"}},    {"ExecuteMT", {1}}, {"ExecuteMemoryMT", {block}},
+        {"Match", {Value("aab")}},
+    };
+    for (const Row& row : rows) {
+      SCOPED_TRACE(row.method);
+      const Object regex = session.Compiled("(a)(\\w)(c)\\1");
+      regex.Call("Execute", {"aac"});
+      for (const bool partial : {false, true}) {
+        regex.Set("ExecuteOptionPartial", partial);
+        regex.Call(row.method, row.arguments);
+        EXPECT_EQ(regex.Get("Lasterror").Integer(),
+                  partial ? PCRE_ERROR_PARTIAL : PCRE_ERROR_NOMATCH);
+        int set = 0;
+        for (int i = 0; i < 51; ++i) set += regex.Call("Offset", {i}).Integer() != 0;
+        EXPECT_EQ(set > 0, partial);
+      }
+    }
+  });
+}
+
+TEST(Offset, AsksNothingMoreOfAHostThatHasAnExceptionToRaise) {
+  Session session;
+  const Object regex = session.Compiled("a");
+  regex.Call("ExecuteMemory", {session.host.MemoryBlock("a")});
+  const auto before = session.host.Calls("memoryBlockGetPtr");
+  EXPECT_NE(Raised(regex.TryCall("OffsetCharacters", {99})), "");
+  EXPECT_EQ(session.host.Calls("memoryBlockGetPtr"), before);
+}
+
 TEST(Offset, IndexesAreOfTheVector) {
   OnEachHost([](Session& session) {
     const Object regex = session.Compiled("(a)|b");
@@ -191,7 +231,10 @@ TEST(Groups, MayShareAName) {
     EXPECT_EQ(Substring(regex, "n"), "\"\" err=0") << "no match";
     regex.Call("Compile", {"x(?:(?<n>a)|(?<n>b))?"});
     regex.Call("Execute", {"x"});
-    EXPECT_EQ(Substring(regex, "n"), "\"\" err=0") << "neither is set";
+    EXPECT_EQ(Substring(regex, "n"), "\"\" err=-7") << "neither is set";
+    regex.Call("Compile", {"x(?<n>a)?"});
+    regex.Call("Execute", {"x"});
+    EXPECT_EQ(Substring(regex, "n"), "\"\" err=0") << "a name of one group only";
   });
 }
 

@@ -194,4 +194,25 @@ TEST(TextIn, WhatCannotBeConvertedReadsAsEmpty) {
   }
 }
 
+// A record that claims a negative length is an empty text: as it comes, and after a conversion.
+TEST(TextIn, NegativeLengthsAreNone) {
+  OnEachHost([](Session& session) {
+    const Object regex = session.Compiled("^$");
+    for (const std::uint32_t encoding :
+         {zrk::kEncodingUTF8, zrk::kEncodingUnknown, zrk::kEncodingUTF16}) {
+      for (const int length : {-1, -5, INT32_MIN}) {
+        Value text = session.host.String("a\xC3\xA9", encoding);
+        text.Claim(length);
+        EXPECT_EQ(regex.Call("Execute", {text}).Integer(), 1) << encoding << ' ' << length;
+        EXPECT_EQ(regex.Call("Offset", {1}).Integer(), 0);
+        const Object compiled = session.New();
+        EXPECT_TRUE(compiled.Call("Compile", {text}).Boolean());
+        EXPECT_EQ(compiled.Call("Execute", {"zz"}).Integer(), 1) << "an empty pattern";
+        EXPECT_TRUE(compiled.Call("Escape", {text}).IsNil());
+        text.Claim(3);
+      }
+    }
+  });
+}
+
 }  // namespace

@@ -109,6 +109,42 @@ TEST(ThreadedExecute, GivesTheHostItsTurnsDuringALongMatch) {
   EXPECT_EQ(other.Call("Substring", {1}).UTF8(), "1");
 }
 
+// A run is decided when it starts: the worker does not see what the program changes meanwhile.
+TEST(ThreadedExecute, ReadsTheOptionsOfItsStart) {
+  Session session;
+  const Object regex = session.Compiled(kSlowPattern);
+  session.host.AddTask([&] {
+    regex.Set("ExecuteOptionNoUTF8Check", false);
+    regex.Set("ExecuteOptionNotEmpty", true);
+    regex.Set("MatchLimit", 1);
+    return false;
+  });
+  // The first turn comes before the worker may have begun; the byte is none that an engine that
+  // checks its text would take.
+  EXPECT_EQ(regex.Call("ExecuteMT", {"\xFF" + kSlowSubject}).Integer(), 1);
+  EXPECT_EQ(regex.Get("Lasterror").Integer(), 0);
+}
+
+// A native exception of the host's, thrown from a yield, waits for the worker, whatever it is.
+TEST(ThreadedExecute, WaitsForItsWorkerWhenAYieldThrows) {
+  for (const int at_turn : {1, 2, 5}) {
+    Session session;
+    int turns = 0;
+    session.host.SetFault("REALYieldToRB", {.before = [&] {
+                            if (++turns == at_turn) throw standin::NativeException();
+                          }});
+    auto regex = std::make_unique<Object>(session.Compiled(kSlowPattern));
+    const Outcome outcome = regex->TryCall("ExecuteMT", {kHopeless});
+    EXPECT_EQ(Raised(outcome), "RuntimeException: Sorry, but there was an unnamed C++ Exception.");
+    EXPECT_EQ(outcome.value.Integer(), 0);
+    EXPECT_EQ(turns, at_turn);
+    session.host.SetFault("REALYieldToRB", {});
+    EXPECT_EQ(regex->Call("ExecuteMT", {kSlowSubject}).Integer(), 1);
+    regex.reset();
+    EXPECT_EQ(session.host.accounts().Living(), 0U);
+  }
+}
+
 TEST(ThreadedExecute, KeepsTheObjectAliveUntilItsMatchIsOver) {
   for (const char* method : {"ExecuteMT", "ExecuteMemoryMT"}) {
     SCOPED_TRACE(method);

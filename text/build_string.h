@@ -16,6 +16,11 @@ namespace zrk {
 // is marked so. Everything else is taken as it is.
 REALstringStruct* REALBuildUnicodeString(std::string_view bytes, std::uint32_t encoding);
 
+// The same for bytes in UTF-8, as results are.
+inline REALstringStruct* BuildUTF8(std::string_view bytes) {
+  return REALBuildUnicodeString(bytes, kEncodingUTF8);
+}
+
 }  // namespace zrk
 
 #endif  // ZRK_TEXT_BUILD_STRING_H

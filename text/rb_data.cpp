@@ -1,6 +1,7 @@
 #include "text/rb_data.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "host/services.h"
 #include "host/state.h"
@@ -9,34 +10,23 @@ namespace zrk {
 
 namespace {
 
-struct BlockBytes {
-  const unsigned char* data;
-  std::int32_t size;
-};
-
-BlockBytes ReadBlock(REALmemoryBlockStruct* block) {
+std::string_view BytesOf(REALmemoryBlockStruct* block) {
   const bool ask = HostIsAtLeast(kHostHidesItsRecords);
   const std::int32_t size = ask ? REALMemoryBlockGetSize(block) : block->Size;
   const unsigned char* const data = ask ? REALMemoryBlockGetPtr(block) : block->Data;
-  return {data, data != nullptr ? std::max(size, 0) : 0};
+  if (data == nullptr) return {};
+  return {reinterpret_cast<const char*>(data), static_cast<std::size_t>(std::max(size, 0))};
 }
 
 }  // namespace
 
-rbData::rbData(REALmemoryBlockStruct* block, std::uint32_t /*offset*/,
-               std::uint32_t /*length*/) noexcept
-    : SourceBlock(BlockReference::Share(block)) {
-  if (block == nullptr) return;
-  const BlockBytes bytes = ReadBlock(block);
-  BlockData = bytes.data;
-  BlockSize = bytes.size;
+rbData::rbData(REALmemoryBlockStruct* block) noexcept : block_(BlockReference::Share(block)) {
+  if (block != nullptr) bytes_ = BytesOf(block);
 }
 
-rbData::~rbData() = default;
-
-bool rbData::IsUnchanged() const {
-  const BlockBytes bytes = ReadBlock(SourceBlock.get());
-  return bytes.data == BlockData && bytes.size == BlockSize;
+bool rbData::HoldsSubject() const {
+  const std::string_view now = BytesOf(block_.get());
+  return now.data() == bytes_.data() && now.size() >= subject_.bytes().size();
 }
 
 }  // namespace zrk

@@ -1,43 +1,37 @@
-// A host memory block as the engine reads it: its bytes in place, and their number.
+// A host memory block as the engine reads it: its bytes in place.
 #ifndef ZRK_TEXT_RB_DATA_H
 #define ZRK_TEXT_RB_DATA_H
 
-#include <cstdint>
+#include <cstddef>
+#include <string_view>
 
 #include "host/references.h"
-#include "text/subject_notes.h"
+#include "text/subject_bytes.h"
 
 namespace zrk {
 
 class rbData {
  public:
-  // Locks the block, which may be null, while the adapter lives. The whole block is covered; offset
-  // and length are the callers' to apply.
-  explicit rbData(REALmemoryBlockStruct* block, std::uint32_t offset = 0,
-                  std::uint32_t length = 0) noexcept;
-
-  [[gnu::noinline]] ~rbData();  // mostly there is no block to let go
+  // Locks the block, which may be null, while the adapter lives.
+  explicit rbData(REALmemoryBlockStruct* block) noexcept;
   rbData(const rbData&) = delete;
   rbData& operator=(const rbData&) = delete;
 
-  // The block's first byte; null where there is none.
-  const unsigned char* data() const { return BlockData; }
-  // In bytes, never negative; 0 where there are no bytes.
-  std::int32_t size() const { return BlockSize; }
+  // The whole block's bytes as they were when the adapter was made; null data where there are none.
+  std::string_view bytes() const { return bytes_; }
 
-  // Whether the block still has those bytes where they were: a script may resize a block that is
-  // kept as a subject.
-  bool IsUnchanged() const;
+  // Makes the first `length` bytes, at most all, the subject of a search.
+  void SelectSubject(std::size_t length) { subject_ = SubjectBytes(bytes_.substr(0, length)); }
+  SubjectBytes& subject() { return subject_; }
 
-  // Notes about the bytes, for a block that is kept as a subject.
-  SubjectNotes& notes() { return Notes; }
+  // Whether the subject's bytes are still where they were: a script may resize a block that is
+  // kept. A block that grew, or shrank behind the subject, still holds it.
+  bool HoldsSubject() const;
 
  private:
-  BlockReference SourceBlock;
-  const unsigned char* BlockData = nullptr;
-  std::int32_t BlockSize = 0;
-
-  SubjectNotes Notes;
+  BlockReference block_;
+  std::string_view bytes_;
+  SubjectBytes subject_;
 };
 
 }  // namespace zrk

@@ -1,11 +1,9 @@
 #include "text/rb_text.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstddef>
 #include <cstring>
 #include <new>
-#include <string_view>
-#include <utility>
 
 #include "host/services.h"
 #include "host/state.h"
@@ -15,18 +13,20 @@ namespace zrk {
 
 namespace {
 
-constexpr unsigned char EmptyBuffer[4] = {};
+constexpr std::string_view kEmptyText = "";
 
 // Room for the zero bytes behind a copied text.
-constexpr std::int64_t kTerminatorBytes = 4;
+constexpr std::size_t kTerminatorBytes = 4;
 
-const unsigned char* TextOf(const REALstringStruct* string) { return string->Buffer + 1; }
-std::string_view BytesOf(const REALstringStruct* string) {
-  return {reinterpret_cast<const char*>(TextOf(string)), static_cast<std::size_t>(string->Length)};
+// The text of a host's own record, whose first byte is not part of it. A negative length is none.
+std::string_view TextOf(const REALstringStruct* string) {
+  if (string->Length < 1) return kEmptyText;
+  return {reinterpret_cast<const char*>(string->Buffer) + 1,
+          static_cast<std::size_t>(string->Length)};
 }
 
-bool FitsWithTerminator(std::int64_t length) {
-  return length + kTerminatorBytes >= 1 && length + kTerminatorBytes <= INT32_MAX;
+bool FitsWithTerminator(std::string_view text) {
+  return text.size() <= INT32_MAX - kTerminatorBytes;
 }
 
 // The usual ones first: every subject is asked.
@@ -37,129 +37,79 @@ bool IsSingleByteFamily(std::uint32_t encoding) {
 
 }  // namespace
 
-rbText::rbText(REALstringStruct* string) noexcept : SourceString(StringReference::Share(string)) {
-  SetUTF8(EmptyBuffer, string != nullptr ? -1 : 0);
-  FormString[kUTF8] = nullptr;
-  FormBuffer[kUTF8] = nullptr;
-  FormDisposeFlag[kUTF8] = false;
-  if (string != nullptr) ReadSource();
+rbText::rbText(REALstringStruct* string) noexcept : source_(StringReference::Share(string)) {
+  if (string != nullptr) {
+    ReadSource();
+  } else {
+    SetForm(SubjectBytes::OfASCII(kEmptyText));
+  }
+}
+
+void rbText::SetForm(SubjectBytes form) {
+  form_ = std::move(form);
+  converted_ = true;
 }
 
 // A host that cannot tell the encoding answers the neutral 0, which is one of the family. The scan
 // needs no lock beside the one that the adapter holds.
 void rbText::ReadSource() {
-  const std::uint32_t encoding = REALGetStringEncoding(SourceString.get());
-  if (IsSingleByteFamily(encoding)) {
-    if (SourceIsASCII()) ShareASCII();
-  } else if (encoding == kEncodingUnknown) {
+  encoding_ = REALGetStringEncoding(source_.get());
+  if (IsSingleByteFamily(encoding_)) {
+    ShareASCII();
+  } else if (encoding_ == kEncodingUnknown) {
     ReadUnknownEncoding();
   }
 }
 
 // Bytes above ASCII without an encoding are taken for Mac Roman, the host's oldest default.
 void rbText::ReadUnknownEncoding() {
-  if (!SourceIsASCII()) {
-    const REALstringStruct* source = SourceString.get();
-    REALstringStruct* rebuilt = FitsWithTerminator(source->Length)
-                                    ? REALBuildUnicodeString(BytesOf(source), kEncodingMacRoman)
-                                    : nullptr;
-    if (rebuilt == nullptr) {
-      ConversionFailed = true;
-      return;
-    }
-    SourceString = StringReference::Adopt(rebuilt);
-    if (!SourceIsASCII()) return;
-  }
+  if (ShareASCII()) return;
+  const std::string_view text = TextOf(source_.get());
+  REALstringStruct* const rebuilt =
+      FitsWithTerminator(text) ? REALBuildUnicodeString(text, kEncodingMacRoman) : nullptr;
+  if (rebuilt == nullptr) return SetForm(SubjectBytes::OfASCII(kEmptyText));
+  source_ = StringReference::Adopt(rebuilt);
   ShareASCII();
 }
 
-bool rbText::SourceIsASCII() const {
-  const REALstringStruct* source = SourceString.get();
-  return source->Length < 1 || IsASCII(TextOf(source), static_cast<std::size_t>(source->Length));
+// ASCII bytes are the same in all five single-byte encodings, and the host ends them with a zero:
+// they are read in place. Answers whether the source is ASCII.
+bool rbText::ShareASCII() {
+  const std::string_view text = TextOf(source_.get());
+  if (!IsASCII(text)) return false;
+  SetForm(SubjectBytes::OfASCII(text));
+  return true;
 }
 
-// ASCII bytes are the same in all five single-byte encodings, and the host ends them with a zero.
-void rbText::ShareASCII() {
-  const REALstringStruct* source = SourceString.get();
-  AsciiShared = true;
-  SetUTF8(TextOf(source), source->Length);
-  Notes.SetASCII();
-}
+void rbText::ConvertUTF8() { SetForm(SubjectBytes(Terminated(FetchUTF8()))); }
 
-void rbText::ConvertUTF8() {
-  SetUTF8(EmptyBuffer, 0);
-  if (ConversionFailed) return;
-  if (!FetchUTF8()) {
-    ConversionFailed = true;
-    return;
-  }
-  Terminate();
-}
-
-// Points the form at host memory that holds the text; false where the host cannot convert it.
-bool rbText::FetchUTF8() {
-  const REALstringStruct* text = SourceString.get();
+// The text as host memory holds it; empty where the host cannot convert it.
+std::string_view rbText::FetchUTF8() {
+  const REALstringStruct* const source = source_.get();
   const bool readable = !HostIsAtLeast(kHostHidesItsRecords) &&
-                        (text->Encoding == kEncodingUTF8 || text->Encoding == kEncodingASCII);
-  if (!readable && HostIsAtLeast(kHostConvertsOnRequest)) return FetchStringData();
-  if (!readable) {
-    FormString[kUTF8] = REALConvertString(SourceString.get(), kEncodingUTF8);
-    text = FormString[kUTF8];
-    if (text == nullptr) return false;
-  }
-  SetUTF8(TextOf(text), text->Length);
-  return true;
+                        (source->Encoding == kEncodingUTF8 || source->Encoding == kEncodingASCII);
+  if (readable) return TextOf(source);
+  if (HostIsAtLeast(kHostConvertsOnRequest)) return FetchStringData();
+  converted_string_ = StringReference::Adopt(REALConvertString(source_.get(), kEncodingUTF8));
+  return converted_string_.get() != nullptr ? TextOf(converted_string_.get()) : kEmptyText;
 }
 
-bool rbText::FetchStringData() {
-  REALstringData& data = FormStringData[kUTF8];
-  FormDisposeFlag[kUTF8] = REALGetStringData(SourceString.get(), kEncodingUTF8, &data) != 0;
-  if (!FormDisposeFlag[kUTF8] || data.Data == nullptr || data.Length < 0) return false;
-  SetUTF8(reinterpret_cast<const unsigned char*>(data.Data), data.Length);
-  return true;
+std::string_view rbText::FetchStringData() {
+  REALstringData& data = string_data_.record;
+  string_data_.filled = REALGetStringData(source_.get(), kEncodingUTF8, &data) != 0;
+  if (!string_data_.filled || data.Data == nullptr || data.Length < 0) return kEmptyText;
+  return {data.Data, static_cast<std::size_t>(data.Length)};
 }
 
 // The engine's users rely on a zero byte after the text; where the host gave none, a copy has it. A
 // copy that cannot be had reads as empty.
-void rbText::Terminate() {
-  const unsigned char* const text = FormData[kUTF8];
-  const std::int32_t length = FormLength[kUTF8];
-  if (text[length] == 0) return;
-  SetUTF8(EmptyBuffer, 0);
-  if (!FitsWithTerminator(length)) return;
-  const auto size = static_cast<std::size_t>(length + kTerminatorBytes);
-  FormBuffer[kUTF8] = static_cast<unsigned char*>(std::calloc(size, 1));
-  if (FormBuffer[kUTF8] == nullptr) return;
-  std::memcpy(FormBuffer[kUTF8], text, static_cast<std::size_t>(length));
-  SetUTF8(FormBuffer[kUTF8], length);
-}
-
-rbText::~rbText() {
-  if (!AsciiShared) ReleaseForms();
-}
-
-void rbText::ReleaseForms() {
-  SourceString.Reset();
-  Release(FormString[kUTF8]);
-  if (FormDisposeFlag[kUTF8]) REALDisposeStringData(&FormStringData[kUTF8]);
-  std::free(FormBuffer[kUTF8]);
-}
-
-namespace {
-void* spare_memory = nullptr;
-}  // namespace
-
-void* rbText::operator new(std::size_t size) {
-  void* const memory = std::exchange(spare_memory, nullptr);
-  return memory != nullptr ? memory : ::operator new(size);
-}
-
-void rbText::operator delete(void* memory) {
-  if (spare_memory == nullptr) {
-    spare_memory = memory;
-  } else {
-    ::operator delete(memory);
-  }
+std::string_view rbText::Terminated(std::string_view text) {
+  if (text.data()[text.size()] == '\0') return text;
+  if (!FitsWithTerminator(text)) return kEmptyText;
+  terminated_copy_.reset(new (std::nothrow) char[text.size() + kTerminatorBytes]());
+  if (terminated_copy_ == nullptr) return kEmptyText;
+  std::copy(text.begin(), text.end(), terminated_copy_.get());
+  return {terminated_copy_.get(), text.size()};
 }
 
 }  // namespace zrk

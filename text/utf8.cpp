@@ -23,7 +23,11 @@ constexpr std::size_t kSequenceBlock = 128 + kReach;
 constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
 constexpr std::uint64_t kHighBits = 0x8080808080808080;
 constexpr unsigned char kLastSafeLead = 0xF4;
-constexpr unsigned char kSubstitute = 0x1A;
+constexpr char kSubstitute = 0x1A;
+
+const unsigned char* BytesOf(std::string_view text) {
+  return reinterpret_cast<const unsigned char*>(text.data());
+}
 
 bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
@@ -126,7 +130,9 @@ std::size_t FindUnsafe(const unsigned char* bytes, std::size_t length, std::size
 
 }  // namespace
 
-bool IsASCII(const unsigned char* bytes, std::size_t length) {
+bool IsASCII(std::string_view text) {
+  const unsigned char* const bytes = BytesOf(text);
+  const std::size_t length = text.size();
   std::size_t at = 0;
   for (; at + kStretch <= length; at += kStretch) {
     if (!IsASCIIStretch(bytes + at)) return false;
@@ -142,8 +148,9 @@ bool IsASCII(const unsigned char* bytes, std::size_t length) {
   return std::all_of(bytes, bytes + length, [](unsigned char byte) { return byte < 0x80; });
 }
 
-CharacterPosition WalkCharacters(const unsigned char* bytes, CharacterPosition from,
+CharacterPosition WalkCharacters(std::string_view text, CharacterPosition from,
                                  std::size_t offset) {
+  const unsigned char* const bytes = BytesOf(text);
   auto [position, characters] = from;
   std::size_t looked_ahead = position;
   while (position < offset) {
@@ -175,11 +182,14 @@ CharacterPosition WalkCharacters(const unsigned char* bytes, CharacterPosition f
   return {position, characters};
 }
 
-bool HasUnsafeBytes(const unsigned char* bytes, std::size_t length) {
-  return LeadingRun(bytes, length) > 0 || FindUnsafe(bytes, length, 0) < length;
+bool HasUnsafeBytes(std::string_view text) {
+  const unsigned char* const bytes = BytesOf(text);
+  return LeadingRun(bytes, text.size()) > 0 || FindUnsafe(bytes, text.size(), 0) < text.size();
 }
 
-bool HasBrokenCharacters(const unsigned char* bytes, std::size_t length) {
+bool HasBrokenCharacters(std::string_view text) {
+  const unsigned char* const bytes = BytesOf(text);
+  const std::size_t length = text.size();
   for (std::size_t at = 0; at < length;) {
     if (IsContinuation(bytes[at])) return true;
     const auto end = at + static_cast<std::size_t>(SequenceLength(bytes[at]));
@@ -189,14 +199,12 @@ bool HasBrokenCharacters(const unsigned char* bytes, std::size_t length) {
   return false;
 }
 
-std::vector<unsigned char> CopyWithoutUnsafeBytes(const unsigned char* bytes, std::size_t length) {
-  std::vector<unsigned char> copy;
-  copy.reserve(length + 1);
-  copy.assign(bytes, bytes + length);
-  copy.push_back(0);
-  std::size_t at = LeadingRun(bytes, length);
+std::vector<char> CopyWithoutUnsafeBytes(std::string_view text) {
+  const unsigned char* const bytes = BytesOf(text);
+  std::vector<char> copy(text.begin(), text.end());
+  std::size_t at = LeadingRun(bytes, text.size());
   std::fill_n(copy.begin(), at, kSubstitute);
-  while ((at = FindUnsafe(bytes, length, at)) < length) copy[at++] = kSubstitute;
+  while ((at = FindUnsafe(bytes, text.size(), at)) < text.size()) copy[at++] = kSubstitute;
   return copy;
 }
 

@@ -19,10 +19,7 @@ constexpr int SequenceLength(unsigned char lead) {
 }
 
 // Whether every byte is below 0x80.
-bool IsASCII(const unsigned char* bytes, std::size_t length);
-inline bool IsASCII(std::string_view bytes) {
-  return IsASCII(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
-}
+bool IsASCII(std::string_view text);
 
 // A walk over characters: `position` is where the next character begins, `characters` how many were
 // passed.
@@ -33,23 +30,20 @@ struct CharacterPosition {
 
 // Walks on, by announced lengths, until the position is at or past `offset` (a byte offset, at most
 // the number of bytes). A character that begins before the offset is counted whole.
-CharacterPosition WalkCharacters(const unsigned char* bytes, CharacterPosition from,
-                                 std::size_t offset);
+CharacterPosition WalkCharacters(std::string_view text, CharacterPosition from, std::size_t offset);
 
 // Whether the engine, told not to check its UTF-8, could be led outside its tables or outside the
 // bytes. Unsafe is a byte that is 0xF5 or above; 0xF4 where the next byte's low six bits are 0x10
 // or more; a lead byte that announces more bytes than are left; a continuation byte in a run at the
 // very start.
-bool HasUnsafeBytes(const unsigned char* bytes, std::size_t length);
+bool HasUnsafeBytes(std::string_view text);
 
 // Whether a lead byte is not followed by just the continuation bytes that it announces, or one of
 // them stands alone. Overlong forms and surrogates are whole characters.
-bool HasBrokenCharacters(const unsigned char* bytes, std::size_t length);
+bool HasBrokenCharacters(std::string_view text);
 
-// A copy, and a zero byte behind it, in which 0x1A stands for each unsafe byte: seldom needed.
-// Throws std::bad_alloc.
-[[gnu::noinline]] std::vector<unsigned char> CopyWithoutUnsafeBytes(const unsigned char* bytes,
-                                                                    std::size_t length);
+// A copy in which 0x1A stands for each unsafe byte: seldom needed. Throws std::bad_alloc.
+[[gnu::noinline]] std::vector<char> CopyWithoutUnsafeBytes(std::string_view text);
 
 }  // namespace zrk
 

@@ -1,0 +1,65 @@
+#include "regex/subject.h"
+
+#include <string_view>
+#include <utility>
+
+#include "host/exceptions.h"
+
+namespace zrk {
+
+namespace {
+
+void PointAt(RegExClassData& data, std::string_view bytes) {
+  data.TextPointer = bytes.data();
+  data.TextLength = static_cast<std::int32_t>(bytes.size());
+}
+
+}  // namespace
+
+Released ClearText(RegExClassData& data) {
+  Released released;
+  released.text = StringReference::Adopt(std::exchange(data.Text, nullptr));
+  released.memory = BlockReference::Adopt(std::exchange(data.TextMemory, nullptr));
+  released.text_adapter.reset(std::exchange(data.TextAdapter, nullptr));
+  released.memory_adapter.reset(std::exchange(data.MemoryAdapter, nullptr));
+  PointAt(data, {});
+  return released;
+}
+
+Released ClearLostSubject(RegExClassData& data) {
+  if (data.MemoryAdapter == nullptr || data.MemoryAdapter->HoldsSubject()) return {};
+  return ClearText(data);
+}
+
+void ClearErrorMessage(RegExClassData& data, Released& released) {
+  released.error_message = StringReference::Adopt(std::exchange(data.ErrorMessage, nullptr));
+}
+
+void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier) {
+  if (text != nullptr && text == earlier.text.get() && earlier.text_adapter->StillReads(text)) {
+    data.TextAdapter = earlier.text_adapter.release();
+    data.Text = earlier.text.Take();
+  } else {
+    data.TextAdapter = std::make_unique<rbText>(text).release();
+    data.Text = StringReference::Share(text).Take();
+  }
+  PointAt(data, data.TextAdapter->UTF8());
+}
+
+bool KeepMemory(RegExClassData& data, REALmemoryBlockStruct* block, std::int32_t length,
+                const char* method) {
+  auto adapter = std::make_unique<rbData>(block);
+  const std::string_view bytes = adapter->bytes();
+  const auto size = static_cast<std::int32_t>(bytes.size());
+  if (bytes.data() != nullptr && length > size) {
+    RaiseOutOfBoundsException(length, 0, size, "ByteLength", method);
+    return false;
+  }
+  adapter->SelectSubject(static_cast<std::size_t>(length >= 1 ? length : size));
+  PointAt(data, adapter->subject().bytes());
+  data.MemoryAdapter = adapter.release();
+  data.TextMemory = BlockReference::Share(block).Take();
+  return true;
+}
+
+}  // namespace zrk

@@ -1,0 +1,57 @@
+// The bytes that a search reads, with what has been found out about them: whether the engine may
+// read them unchecked, and how far their characters have been counted.
+//
+// A walk over all matches asks the same questions of the same bytes at every step. Each answer is
+// worked out once, or from the last one on, so that a walk takes time in step with the text.
+#ifndef ZRK_TEXT_SUBJECT_BYTES_H
+#define ZRK_TEXT_SUBJECT_BYTES_H
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "text/utf8.h"
+
+namespace zrk {
+
+class SubjectBytes {
+ public:
+  SubjectBytes() = default;
+  // Does not own the bytes, which must stay as they are while this lives. Null data is kept apart
+  // from an empty text: the engine refuses it.
+  explicit SubjectBytes(std::string_view bytes) : bytes_(bytes) {}
+  // ASCII answers every question at once.
+  static SubjectBytes OfASCII(std::string_view bytes) {
+    SubjectBytes subject(bytes);
+    subject.safety_ = Safety::kASCII;
+    return subject;
+  }
+
+  std::string_view bytes() const { return bytes_; }
+
+  // What to show an engine that does not check its UTF-8: the bytes themselves, or a copy of the
+  // same length without unsafe bytes, owned here. The first call may throw std::bad_alloc.
+  std::string_view ForUncheckedEngine() { return AreKnownSafe() ? bytes_ : FindSafeBytes(); }
+
+  // Whether the bytes themselves are what ForUncheckedEngine answers, as far as is known yet.
+  bool AreKnownSafe() const { return safety_ == Safety::kASCII || safety_ == Safety::kSafe; }
+
+  // The number of characters that begin before a byte offset, which is at most the bytes' number.
+  std::size_t CharactersBefore(std::size_t offset);
+
+ private:
+  enum class Safety : unsigned char { kUnknown, kASCII, kSafe, kCopied };
+
+  std::string_view FindSafeBytes();
+
+  std::string_view bytes_;
+  Safety safety_ = Safety::kUnknown;
+  unsigned char oldest_count_ = 0;
+  std::vector<char> safe_copy_;
+  // The last two places asked for: scripts ask for the start and the end of a match in any order.
+  CharacterPosition counted_[2];
+};
+
+}  // namespace zrk
+
+#endif  // ZRK_TEXT_SUBJECT_BYTES_H

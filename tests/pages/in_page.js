@@ -43,6 +43,27 @@ function hardToRead() {
   return [...found];
 }
 
+// Pieces of listings in the host's language that are coloured as what they are not.
+function wronglyColoured() {
+  const right = {
+    st: (text) => /^"([^"]|"")*"$/.test(text),
+    co: (text) => /^('|\/\/|rem\b)/i.test(text),
+    dv: (text) => /^(\d|&[hbouc])/i.test(text),
+  };
+  const word = (text, before) => /^#?[a-z]/i.test(text) && !before.endsWith('.');
+  const found = [];
+  for (const line of document.querySelectorAll('code.vb > span')) {
+    let before = '';
+    for (const piece of line.childNodes) {
+      const text = piece.textContent;
+      const plain = !piece.className && !/["']|\/\//.test(text);
+      if (!(plain || (piece.className && (right[piece.className] || word)(text, before)))) found.push(`coloured wrongly: ${text}`);
+      before = text;
+    }
+  }
+  return found;
+}
+
 function contents() {
   return {
     ids: [...document.querySelectorAll('[id]')].map((element) => element.id),
@@ -60,4 +81,4 @@ function shownMembers() {
     .map((item) => item.querySelector('a').innerText);
 }
 
-module.exports = { tooWide, hardToRead, contents, shownMembers };
+module.exports = { tooWide, hardToRead, wronglyColoured, contents, shownMembers };

@@ -46,6 +46,7 @@ async function look(browser, name, seen) {
   await set(browser, views[0]);
   if (pictures.includes(name)) return;
 
+  check(where, await browser.run(ask.wronglyColoured));
   const content = await browser.run(ask.contents);
   seen.set(pathToFileURL(name).href, content);
   check(where, content.missing.map((image) => `shows no ${image}`));

@@ -18,7 +18,8 @@ std::string Run(const std::string& command, const std::string& name, const std::
       fs::path(testing::TempDir()) / ("zrk_programs." + std::to_string(getpid()));
   fs::create_directories(folder);
   std::ofstream(folder / name) << text;
-  const std::string line = "cd " + folder.string() + " && " + command + " " + name + " 2>&1";
+  const std::string line =
+      "cd " + folder.string() + " && timeout 60 " + command + " " + name + " 2>&1";
   FILE* const out = popen(line.c_str(), "r");
   std::string printed;
   for (int byte = 0; (byte = std::fgetc(out)) != EOF;) printed += static_cast<char>(byte);

@@ -147,7 +147,7 @@ local function innermost(cx, word, kind)
 end
 
 function write.exit(cx, statement)
-  if statement.kind == "Sub" or statement.kind == "Function" then return write["return"](cx, {}) end
+  if statement.kind == "Sub" or statement.kind == "Function" then return write["return"](cx, statement) end
   local block = innermost(cx, "Exit", statement.kind)
   cx:emit("%s", cx:leave("exit_" .. block.label, block.tries))
 end

@@ -255,6 +255,7 @@ local function static_member(cx, node, arguments)
 end
 
 local function member(cx, node, arguments)
+  if node.name:lower() == "constructor" then cx:fail("only New calls a Constructor") end
   local static = static_member(cx, node, arguments or {})
   if static then return static end
   local code, type = expressions.write(cx, node.base)

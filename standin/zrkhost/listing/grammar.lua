@@ -3,7 +3,8 @@
 -- are statements of their own.
 local lpeg = require "lpeg"
 local P, R, S, V = lpeg.P, lpeg.R, lpeg.S, lpeg.V
-local C, Cc, Cg, Cmt, Cs, Ct = lpeg.C, lpeg.Cc, lpeg.Cg, lpeg.Cmt, lpeg.Cs, lpeg.Ct
+local C, Cc, Cf, Cg = lpeg.C, lpeg.Cc, lpeg.Cf, lpeg.Cg
+local Cmt, Cs, Ct = lpeg.Cmt, lpeg.Cs, lpeg.Ct
 
 local grammar = {}
 
@@ -62,25 +63,18 @@ number = number + P "&" * S "hH" * C(R("09", "af", "AF") ^ 1) / function(text)
 end + P "&" * S "bB" * C(S "01" ^ 1) / function(text) return tonumber(text, 2) end
 local quoted = P '"' * Cs(((1 - P '"') + P '""' / '"') ^ 0) * P '"'
 
-local function fold_postfix(parts)
-  local result = parts[1]
-  for i = 2, #parts do
-    parts[i].base = result
-    result = parts[i]
-  end
-  return result
-end
-local function fold_binary(parts)
-  local result = parts[1]
-  for i = 2, #parts, 2 do
-    result = {tag = "binary", op = parts[i], left = result, right = parts[i + 1]}
-  end
-  return result
-end
+-- A first operand and what is done with it, from left to right.
 local function level(operators, operand)
-  return Ct(list(operand, operators)) / fold_binary
+  return Cf(operand * Cg(operators * operand) ^ 0, function(left, op, right)
+    return {tag = "binary", op = op, left = left, right = right}
+  end)
 end
-local function postfix(first, following) return Ct(first * following) / fold_postfix end
+local function postfix(first, following)
+  return Cf(first * following, function(base, part)
+    part.base = base
+    return part
+  end)
+end
 local function operator(text)
   local pattern = text:find "%a" and keyword(text) or token(text)
   return pattern * Cc(text)

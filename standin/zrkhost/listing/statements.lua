@@ -128,6 +128,9 @@ end
 write["return"] = function(cx, statement)
   local result = cx.routine.result
   if statement.value and not result then cx:fail("nothing is answered here") end
+  if result and not (statement.value or statement.tag == "exit") then
+    cx:fail("%s answers %s", cx.routine.name, article(result))
+  end
   local code = statement.value and value(cx, statement.value, result, "what is answered here")
   cx:emit("%s", cx:leave("return", 0, result and (code or types.initial(result))))
 end
@@ -151,7 +154,7 @@ function statements.write(lines, library)
     cx.line = entry.line
     if statement.tag == "sub" or statement.tag == "function" then
       local name = statement.name:lower()
-      if cx.library[name] then cx:fail("there is a %s already", statement.name) end
+      if cx.library[name] then cx:fail("%s is declared already", statement.name) end
       cx.library[name] = {signature(cx, statement)}
     end
   end
@@ -165,7 +168,7 @@ function statements.write(lines, library)
   end
   local open = cx.blocks[#cx.blocks]
   if open then cx.line = open.line cx:fail("this %s has no end", open.kind) end
-  if cx.routine.name then cx:fail("%s has no End %s", cx.routine.name, cx.routine.kind) end
+  if cx.routine.name then cx:fail("%s has no end", cx.routine.name) end
   return table.concat(cx.parts.routines), table.concat(cx.parts.main)
 end
 

@@ -3,12 +3,14 @@
 
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
+PREFIX ?= /usr/local
+DESTDIR ?=
 SHELL := /bin/bash
 .SHELLFLAGS := -euo pipefail -c
 
 MEMCHECKED = unsafe_bytes inside_utf8 memory_block execute results text_in replace
 
-.PHONY: help demo test test-32 sanitize memcheck fuzz bench bench-check coverage pictures docs test-pages package release format check clean
+.PHONY: help demo test test-32 sanitize memcheck fuzz bench bench-check coverage pictures docs test-pages package release install uninstall format check clean
 .DEFAULT_GOAL := help
 .NOTPARALLEL:
 
@@ -20,6 +22,7 @@ build = cmake --preset $(1) -Wno-dev --log-level=WARNING && \
 
 help:  ## list these targets
 	@awk -F ':.*## ' '/^[a-z0-9-]+:.*## / {printf "make %-12s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
+	@echo; echo "JOBS=N builds and tests with N processes at a time (here $(JOBS) if not said)."
 
 demo:  ## build, then find things in real text (FILE=path for a text of your own)
 	@tools/setup build
@@ -96,6 +99,30 @@ package: docs  ## build/package/ZRKRegEx.xojo_plugin, and a check of it
 release: package  ## build/release/ZRKRegEx-VERSION.zip: the package with read-me, licence, changelog
 	@packaging/check-rebuild $(plugin)
 	@packaging/make-release $(plugin) build/release
+
+# What "make install" puts below PREFIX, and "make uninstall" takes away.
+installed = bin/zrkhost lib/zrkhost/libZRKRegEx.so share/man/man1/zrkhost.1 \
+            share/bash-completion/completions/zrkhost share/zsh/site-functions/_zrkhost
+prefix = $(DESTDIR)$(PREFIX)
+
+install:  ## zrkhost, its man page, completions and examples below PREFIX (/usr/local)
+	@tools/setup build docs
+	@cmake --preset release -B build/install -D ZRK_BENCH=OFF -Wno-dev --log-level=WARNING
+	@cmake --build build/install -j $(JOBS) --target ZRKRegEx zrkhost
+	@tools/build-man build/install/zrkhost.1
+	install -D -s build/install/zrkhost $(prefix)/bin/zrkhost
+	install -D -m 644 build/install/libZRKRegEx.so $(prefix)/lib/zrkhost/libZRKRegEx.so
+	install -D -m 644 build/install/zrkhost.1 $(prefix)/share/man/man1/zrkhost.1
+	install -D -m 644 standin/zrkhost/completions/zrkhost.bash \
+	  $(prefix)/share/bash-completion/completions/zrkhost
+	install -D -m 644 standin/zrkhost/completions/_zrkhost $(prefix)/share/zsh/site-functions/_zrkhost
+	install -d $(prefix)/share/doc/zrkhost/examples
+	install -m 644 examples/*.lua $(prefix)/share/doc/zrkhost/examples
+
+uninstall:  ## takes away what install put below PREFIX
+	rm -f $(addprefix $(prefix)/,$(installed))
+	rm -rf $(prefix)/share/doc/zrkhost
+	rmdir --ignore-fail-on-non-empty $(prefix)/lib/zrkhost
 
 format:  ## rewrite the sources as .clang-format says
 	@tools/setup format

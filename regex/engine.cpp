@@ -43,8 +43,8 @@ void WriteLimits(pcre_extra& extra, const RegExClassData& data) {
 int RunWithLimit(EngineCall& call, unsigned long limit) {
   call.extra.flags |= PCRE_EXTRA_MATCH_LIMIT_RECURSION;
   call.extra.match_limit_recursion = limit;
-  return pcre_exec(call.code, &call.extra, call.subject, call.length,
-                   call.start, call.options, call.vector, call.vector_size);
+  return pcre_exec(call.code, &call.extra, call.subject, call.length, call.start, call.options,
+                   call.vector, call.vector_size);
 }
 
 // The levels that a match may have where stack is no matter: a pattern can begin with a limit of

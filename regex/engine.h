@@ -36,10 +36,10 @@ EngineCall PrepareUnlimitedCall(const RegExClassData& data);
 // study block as well, where they stay.
 EngineCall PrepareCall(RegExClassData& data);
 
-// Points the call at a subject and a start in it, both in bytes. Where the call would take the bytes
-// for UTF-8 without checking them, it is shown a form that is safe for it, which lives as long as
-// the subject. A null subject is one that the engine refuses. Throws std::bad_alloc, on the first
-// call for a subject only.
+// Points the call at a subject and a start in it, both in bytes. Where the call would take the
+// bytes for UTF-8 without checking them, it is shown a form that is safe for it, which lives as
+// long as the subject. A null subject is one that the engine refuses. Throws std::bad_alloc, on the
+// first call for a subject only.
 void SetSubject(EngineCall& call, SubjectBytes* subject, std::int32_t start);
 
 // Runs the engine and answers its result: the number of pairs set, 0 where the vector is too small,

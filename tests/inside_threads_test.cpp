@@ -1,5 +1,5 @@
-// The threaded runner itself, in the forms and failures that no method of the class reaches, and what
-// objects on several threads share.
+// The threaded runner itself, in the forms and failures that no method of the class reaches, and
+// what objects on several threads share.
 #include <gtest/gtest.h>
 #include <pthread.h>
 

@@ -336,21 +336,4 @@ TEST(ZRKHost, GivesTasksTheirTurns) {
   }
 }
 
-TEST(ZRKHost, Prompts) {
-  const std::string home = TempDir() + "zrkhost_home_" + std::to_string(getpid());
-  std::filesystem::create_directory(home);
-  const std::string lines = R"(re=RegExZRK()\nre.VectorSize\nfor i=2,2 do\nprint(i*21)\nend\n)"
-                            R"(re:Foo()\nif)\n"still "..[[here]]\n)";
-  const Ran ran = Shell("printf " + Quoted(lines) + " | HOME=" + Quoted(home) +
-                        " TERM=dumb script -qec " ZRK_HOST_PROGRAM " /dev/null");
-  for (const char* said : {"\n51\r\n", "\n42\r\n", "has no \"Foo\"", "near ')'", "\nstill here"}) {
-    EXPECT_NE(ran.output.find(said), std::string::npos) << said << " in " << ran.output;
-  }
-  EXPECT_EQ(ran.status, 0);
-  std::ifstream history(home + "/.local/state/zrkhost/history");
-  const std::string kept((std::istreambuf_iterator<char>(history)), {});
-  EXPECT_NE(kept.find("re=RegExZRK()"), std::string::npos) << kept;
-  std::filesystem::remove_all(home);
-}
-
 }  // namespace

@@ -1,0 +1,134 @@
+// The prompt of zrkhost in a real terminal.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "tests/terminal.h"
+
+namespace {
+
+using tests::Terminal;
+
+constexpr const char* kEnter = "\r";
+constexpr const char* kInterrupt = "\x03";
+constexpr const char* kEndOfInput = "\x04";
+constexpr const char* kUp = "\x1b[A";
+
+class Prompt : public testing::Test {
+ protected:
+  ~Prompt() override { std::filesystem::remove_all(home_); }
+
+  std::string Command() const {
+    return "env -u XDG_STATE_HOME -u ZRKHOST_HISTORY HOME='" + home_.string() +
+           "' " ZRK_HOST_PROGRAM;
+  }
+  std::string History() const {
+    std::ifstream file(home_ / ".local/state/zrkhost/history");
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  }
+
+  const std::filesystem::path home_ =
+      testing::TempDir() + "zrkhost_home_" + std::to_string(getpid());
+};
+
+// An entry, or keys, and what the terminal shows after them.
+struct Row {
+  const char* keys;
+  const char* shown;
+};
+
+TEST_F(Prompt, RunsShowsAndDrawsMistakes) {
+  Terminal terminal(Command(), 160);
+  ASSERT_TRUE(terminal.Type("", "> "));
+  const Row rows[] = {
+      {"'Käse' .. 1", "\nKäse1\r\n"},
+      {"local re, two = RegExZRK(), 2", "> "},
+      {"two + 40", "\n42\r\n"},
+      {"local closed <close> = RegExZRK()", "> "},
+      {"closed", "\nRegExZRK, no pattern, Count 0, Lasterror 0\r\n"},
+      {"re:Compile('ä(')", "\nfalse\r\n  ä(\r\n    ^ missing )\r\n"},
+      {"re", "\nRegExZRK, pattern does not compile:\r\n  ä("},
+      {"re:Compile('(b)+') and re:Execute('aé')", "\n-1\r\n"},
+      {"re", "pattern \"(b)+\", Count 0, Lasterror -1 (ErrorNoMatch)\r\n"},
+      {"{1, 'b', x = {}}", "\n{1, \"b\", x = {}}\r\n"},
+      {"host.memoryblock('\\0ab')", "\nmemory block, 3 bytes: 00 61 62  \"\\x00ab\"\r\n"},
+      {"host.stringarray{'a', 'ü'}", "\nstring array {\"a\", \"ü\"}\r\n"},
+      {"host.string('\\xe4', 'Windows Latin-1')", "\n\"ä\" in Windows Latin-1, 1 byte\r\n"},
+      {"for i = 2, 2 do\rprint(i * 21)\rend", "\n42\r\n"},
+      {"print(1 2)", "')' expected near '2'\r\n  print(1 2)\r\n          ^\r\n"},
+      {"re:Foo()", "has no \"Foo\""},
+      {"", "\n  re:Foo()\r\n     ^\r\n"},
+      {"x.y = 1", "(global 'x')\r\n  x.y = 1\r\n  ^\r\n"},
+      {"re:Offset(-1)", "OutOfBoundsException: Parameter index"},
+      {"error('ouch', 0)", "\nouch\r\n"},
+      {"help Study", "\n    Study as boolean"},
+      {"help Studi", "has no \"Studi\"; it has:\r\n  Study as boolean"},
+  };
+  for (const Row& row : rows) {
+    const std::string keys = std::string(row.keys) + (*row.keys ? kEnter : "");
+    EXPECT_TRUE(terminal.Type(keys, row.shown)) << row.keys << "\n" << terminal.output();
+  }
+  EXPECT_TRUE(terminal.Type(kEndOfInput, "\n"));
+  EXPECT_EQ(terminal.Wait(), 0);
+}
+
+TEST_F(Prompt, CompletesNames) {
+  Terminal terminal(Command(), 120);
+  ASSERT_TRUE(terminal.Type("re = RegExZRK()\r", "> "));
+  const Row rows[] = {
+      {"re:esca\t'+')\r", "\n\\+\r\n"},
+      {"RegExZRK.errornom\t\r", "\n-1\r\n"},
+      {"string.forma\t('%d', 7)\r", "\n7\r\n"},
+      {"hos\t.memo\t('a')\r", "memory block, 1 byte"},
+      {"help exec\tMT\r", "\n    ExecuteMT(start as integer = 0) as integer"},
+      {"re.CompileOptionNewLine\t", "\nCompileOptionNewLineAny      CompileOptionNewLineCR "},
+  };
+  for (const Row& row : rows) {
+    EXPECT_TRUE(terminal.Type(row.keys, row.shown)) << row.keys << "\n" << terminal.output();
+  }
+}
+
+TEST_F(Prompt, KeepsItsHistoryAfterEachEntry) {
+  {
+    Terminal terminal(Command());
+    ASSERT_TRUE(terminal.Type("print('K' .. 'äse')\rprint('second')\r", "\nsecond\r\n"));
+  }  // killed
+  EXPECT_NE(History().find("second"), std::string::npos);
+  Terminal terminal(Command());
+  ASSERT_TRUE(terminal.Type("", "> "));
+  EXPECT_TRUE(terminal.Type(std::string(kUp) + kUp + kEnter, "\nKäse\r\n")) << terminal.output();
+}
+
+TEST_F(Prompt, StopsAtInterrupts) {
+  Terminal terminal(Command());
+  ASSERT_TRUE(terminal.Type("", "> "));
+  EXPECT_TRUE(terminal.Type(std::string("half a line") + kInterrupt, "^C\r\n"));
+  EXPECT_TRUE(terminal.Type("for i = 1, 2 do\r", ">> "));
+  EXPECT_TRUE(terminal.Type(std::string(kInterrupt) + "6 * 7\r", "\n42\r\n")) << terminal.output();
+  ASSERT_TRUE(terminal.Type("print('run' .. 'ning') while true do end\r", "running"));
+  EXPECT_TRUE(terminal.Type(kInterrupt, "interrupted\r\n"));
+  ASSERT_TRUE(terminal.Type("re = RegExZRK() re:Compile('.+x') s = ('a'):rep(3000000)\r", "> "));
+  ASSERT_TRUE(terminal.Type("print('search' .. 'ing') re:Execute(s)\r", "searching"));
+  EXPECT_TRUE(terminal.Type(kInterrupt, "Ctrl-C again ends zrkhost"));
+  EXPECT_TRUE(terminal.Type(kInterrupt, "\n"));
+  EXPECT_EQ(terminal.Wait(), 130);
+  EXPECT_NE(History().find("re:Execute(s)"), std::string::npos) << "lost with the process";
+}
+
+// Without following the window the editor wraps lines where they no longer end.
+TEST_F(Prompt, FollowsTheWindow) {
+  Terminal terminal(Command(), 100);
+  ASSERT_TRUE(terminal.Type("", "> "));
+  terminal.Resize(30);
+  const std::string word(40, 'w');
+  // The wrapped line is taken back as two rows: up, and cleared from there.
+  ASSERT_TRUE(terminal.Type("'" + word, std::string(27, 'w')));
+  ASSERT_TRUE(terminal.Type("\x15", "\x1b[A")) << terminal.output();
+  EXPECT_TRUE(terminal.Type("#'" + word + "'\r", "\n40\r\n")) << terminal.output();
+}
+
+}  // namespace

@@ -4,13 +4,18 @@
 
 #include <pthread.h>
 
+#include <functional>
+
 namespace zrk {
+
+// What a thread does. It must not throw, and has to live until the thread has ended.
+using ThreadWork = std::function<void()>;
 
 // Creates a thread with every signal blocked: the program's handlers would not expect to run there,
 // on a stack that was measured for something else. False, with nothing created, where the system
 // refuses. [any thread]
-bool CreateQuietThread(pthread_t& thread, const pthread_attr_t& attributes, void* (*run)(void*),
-                       void* argument) noexcept;
+bool CreateQuietThread(pthread_t& thread, const pthread_attr_t& attributes,
+                       const ThreadWork& work) noexcept;
 
 }  // namespace zrk
 

@@ -10,7 +10,6 @@
 #include <ctime>
 #include <memory>
 
-#include "host/quiet_thread.h"
 #include "host/services.h"
 
 // The dispatch library's own declarations in short; both are null where the process has none.
@@ -27,56 +26,34 @@ constexpr std::size_t kWorkerStackBytes = 0x200000;
 
 constexpr std::timespec kOneMillisecond{0, 1'000'000};
 
-// What the waiting thread and the worker share. The flag is set once, by the worker, and orders all
-// that the work wrote before what its caller reads afterwards.
-struct ThreadState {
-  void* data;
-  void (*work)(void*);
-  void (*idle)(void*);
-  std::atomic<bool> done = false;
-};
+// Set once, by the worker; orders all that the work wrote before what its caller reads afterwards.
+using DoneFlag = std::atomic<bool>;
 
 // [worker]
-void Run(ThreadState& state) {
-  if (state.work != nullptr) state.work(state.data);
-  state.done.store(true, std::memory_order_release);
+void Run(const ThreadWork& work, DoneFlag& done) {
+  if (work) work();
+  done.store(true, std::memory_order_release);
 }
 
-void* threadfunction(void* record) {
-  Run(*static_cast<ThreadState*>(record));
-  return nullptr;
-}
-
-// The worker's share of the record ends with its last use of the flag.
-void RunThreadedBlocks(void* record) {
-  const std::unique_ptr<std::shared_ptr<ThreadState>> state(
-      static_cast<std::shared_ptr<ThreadState>*>(record));
-  Run(**state);
-}
-
-bool IsDone(const ThreadState& state) { return state.done.load(std::memory_order_acquire); }
-
-void Idle(const ThreadState& state) {
-  if (state.idle != nullptr) state.idle(state.data);
-}
+bool IsDone(const DoneFlag& done) { return done.load(std::memory_order_acquire); }
 
 // A yield or an idle call may leave by a native exception.
-void KeepHostAliveUntilDone(const ThreadState& state) {
+void KeepHostAliveUntilDone(const DoneFlag& done, const std::function<void()>& idle) {
   REALYieldToRB();
-  while (!IsDone(state)) {
+  while (!IsDone(done)) {
     REALYieldToRB();
     nanosleep(&kOneMillisecond, nullptr);
-    Idle(state);
+    if (idle) idle();
   }
   REALYieldToRB();
-  Idle(state);
+  if (idle) idle();
 }
 
 // The worker uses what its callers own, so nothing leaves before it has ended.
 struct WaitForWorker {
-  const ThreadState& state;
+  const DoneFlag& done;
   ~WaitForWorker() {
-    while (!IsDone(state)) nanosleep(&kOneMillisecond, nullptr);
+    while (!IsDone(done)) nanosleep(&kOneMillisecond, nullptr);
   }
 };
 struct JoinWorker {
@@ -84,36 +61,49 @@ struct JoinWorker {
   ~JoinWorker() { pthread_join(thread, nullptr); }
 };
 
-void RunOnQueue(void* data, void (*work)(void*), void (*idle)(void*)) {
-  const auto state = std::make_shared<ThreadState>(data, work, idle);
-  auto worker_share = std::make_unique<std::shared_ptr<ThreadState>>(state);
-  dispatch_async_f(dispatch_get_global_queue(0, 0), worker_share.release(), RunThreadedBlocks);
-  const WaitForWorker wait{*state};
-  KeepHostAliveUntilDone(*state);
+// What goes to the queue. The flag is shared, since the queue's thread may still be inside its last
+// use of it when the waiting side has gone on.
+struct QueuedRun {
+  const ThreadWork& work;
+  std::shared_ptr<DoneFlag> done;
+};
+
+void RunThreadedBlocks(void* record) {
+  const std::unique_ptr<QueuedRun> run(static_cast<QueuedRun*>(record));
+  Run(run->work, *run->done);
 }
 
-bool StartThread(pthread_t& thread, ThreadState& state) {
+void RunOnQueue(const ThreadWork& work, const std::function<void()>& idle) {
+  const auto done = std::make_shared<DoneFlag>(false);
+  auto run = std::make_unique<QueuedRun>(work, done);
+  dispatch_async_f(dispatch_get_global_queue(0, 0), run.release(), RunThreadedBlocks);
+  const WaitForWorker wait{*done};
+  KeepHostAliveUntilDone(*done, idle);
+}
+
+bool StartThread(pthread_t& thread, const ThreadWork& run) {
   pthread_attr_t attributes;
   if (pthread_attr_init(&attributes) != 0) return false;
   pthread_attr_setstacksize(&attributes, kWorkerStackBytes);
-  const bool started = CreateQuietThread(thread, attributes, threadfunction, &state);
+  const bool started = CreateQuietThread(thread, attributes, run);
   pthread_attr_destroy(&attributes);
   return started;
 }
 
-void RunOnThread(void* data, void (*work)(void*), void (*idle)(void*)) {
-  ThreadState state{data, work, idle};
+void RunOnThread(const ThreadWork& work, const std::function<void()>& idle) {
+  DoneFlag done = false;
+  const ThreadWork run = [&] { Run(work, done); };
   pthread_t thread{};
-  if (!StartThread(thread, state)) return;
+  if (!StartThread(thread, run)) return;
   const JoinWorker join{thread};
-  KeepHostAliveUntilDone(state);
+  KeepHostAliveUntilDone(done, idle);
 }
 
 }  // namespace
 
-void RunThreaded(void* data, void (*work)(void*), void (*idle)(void*)) {
+void RunThreaded(const ThreadWork& work, const std::function<void()>& idle) {
   const bool has_queue = dispatch_async_f != nullptr && dispatch_get_global_queue != nullptr;
-  (has_queue ? RunOnQueue : RunOnThread)(data, work, idle);
+  (has_queue ? RunOnQueue : RunOnThread)(work, idle);
 }
 
 }  // namespace zrk

@@ -1,6 +1,7 @@
 #include "regex/compile.h"
 
 #include <algorithm>
+#include <functional>
 #include <new>
 #include <string>
 #include <string_view>
@@ -49,11 +50,9 @@ std::size_t StackNeeded(std::size_t bytes) {
 
 // Runs the engine's compiler or study, on a deep stack where too little is left of the one at hand.
 // Throws std::bad_alloc, with nothing run, where no such stack can be had.
-template <typename Work>
-void RunWithStack(std::size_t bytes, Work work) {
+void RunWithStack(std::size_t bytes, const std::function<void()>& work) {
   if (StackLeft() >= StackNeeded(bytes)) return work();
-  const auto run = [](void* on_caller, std::size_t) { (*static_cast<Work*>(on_caller))(); };
-  if (!RunOnDeepStack(run, &work)) throw std::bad_alloc();
+  if (!RunOnDeepStack([&](std::size_t) { work(); })) throw std::bad_alloc();
 }
 
 HostBoolean CompileText(RegExClassData& data, const char* pattern) {

@@ -56,21 +56,13 @@ int RunWithLimit(EngineCall& call, unsigned long limit) {
   return has_one ? std::min<unsigned long>(call.recursion_limit, of_pattern) : call.recursion_limit;
 }
 
-struct DeepCall {
-  EngineCall& call;
-  int result;
-};
-
-void RunDeep(void* data, std::size_t stack_bytes) {
-  auto& deep = *static_cast<DeepCall*>(data);
-  deep.result = RunWithLimit(deep.call, std::min(deep.call.recursion_limit, LevelsIn(stack_bytes)));
-}
-
 [[gnu::cold, gnu::noinline]] int RunAgainDeep(EngineCall& call) {
   std::fill_n(call.vector, call.vector_size, 0);  // captures of the first attempt
-  DeepCall deep{call, PCRE_ERROR_RECURSIONLIMIT};
-  RunOnDeepStack(RunDeep, &deep);
-  return deep.result;
+  int result = PCRE_ERROR_RECURSIONLIMIT;
+  RunOnDeepStack([&](std::size_t stack_bytes) {
+    result = RunWithLimit(call, std::min(call.recursion_limit, LevelsIn(stack_bytes)));
+  });
+  return result;
 }
 
 }  // namespace

@@ -32,26 +32,18 @@ HostInteger RunHere(RegExClassData& data, HostInteger start) {
   return result;
 }
 
-// A search on a worker. The call was made ready on the host's thread: the worker allocates nothing,
-// asks the host nothing and reads nothing of the object, so what the program changes meanwhile does
-// not reach it.
-struct ThreadedSearch {
-  EngineCall call;
-  std::optional<int> result;
-};
+// [worker] The call was made ready on the host's thread: nothing here allocates, asks the host or
+// reads the object, so what the program changes meanwhile does not reach it.
+void WorkExecute(EngineCall& call, std::optional<int>& result) { result = RunEngine(call); }
 
-// [worker]
-void WorkExecute(void* record) {
-  auto& search = *static_cast<ThreadedSearch*>(record);
-  search.result = RunEngine(search.call);
-}
-
+// The same on another thread, without the script's limits; answers Count.
 HostInteger RunOnWorker(RegExClassData& data, HostInteger start) {
   data.StartOffset = start;
-  ThreadedSearch search{PrepareUnlimitedCall(data), std::nullopt};
-  SetSubject(search.call, SubjectOf(data), start);
-  RunThreaded(&search, WorkExecute, nullptr);
-  if (search.result) StoreResult(data, *search.result);
+  EngineCall call = PrepareUnlimitedCall(data);
+  SetSubject(call, SubjectOf(data), start);
+  std::optional<int> result;  // stays empty where no thread could be had
+  RunThreaded([&] { WorkExecute(call, result); }, nullptr);
+  if (result) StoreResult(data, *result);
   return data.Count;
 }
 

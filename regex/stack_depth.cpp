@@ -128,18 +128,6 @@ class DeepStack {
   void* memory_;
 };
 
-struct DeepWork {
-  void (*work)(void*, std::size_t);
-  void* data;
-  std::uintptr_t low;
-};
-
-void* RunDeepWork(void* record) {
-  const auto* deep = static_cast<const DeepWork*>(record);
-  deep->work(deep->data, WithoutReserve(Here() - deep->low));
-  return nullptr;
-}
-
 }  // namespace
 
 std::size_t StackLeft() noexcept {
@@ -152,15 +140,15 @@ std::size_t StackLeft() noexcept {
 
 unsigned long LevelsIn(std::size_t stack_bytes) noexcept { return stack_bytes / kFrameBytes; }
 
-bool RunOnDeepStack(void (*work)(void*, std::size_t), void* data) noexcept {
+bool RunOnDeepStack(const std::function<void(std::size_t)>& work) noexcept {
   const DeepStack stack;
   if (!stack.IsUsable()) return false;
   pthread_attr_t attributes;
   if (pthread_attr_init(&attributes) != 0) return false;
-  DeepWork deep{work, data, stack.low()};
+  const ThreadWork run = [&] { work(WithoutReserve(Here() - stack.low())); };
   pthread_t thread{};
   const bool started = pthread_attr_setstack(&attributes, stack.memory(), kDeepStackBytes) == 0 &&
-                       CreateQuietThread(thread, attributes, RunDeepWork, &deep);
+                       CreateQuietThread(thread, attributes, run);
   pthread_attr_destroy(&attributes);
   if (started) pthread_join(thread, nullptr);
   return started;

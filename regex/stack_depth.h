@@ -7,6 +7,7 @@
 #define ZRK_REGEX_STACK_DEPTH_H
 
 #include <cstddef>
+#include <functional>
 
 namespace zrk {
 
@@ -17,10 +18,10 @@ std::size_t StackLeft() noexcept;
 // How many levels of the matcher's recursion so many bytes of stack hold.
 unsigned long LevelsIn(std::size_t stack_bytes) noexcept;
 
-// Runs work(data, stack_bytes) on a thread with a deep stack and returns when it has ended;
-// stack_bytes is what StackLeft would answer there, without its limit. False where no such thread
-// can be had: the work was not run. [any thread]
-bool RunOnDeepStack(void (*work)(void* data, std::size_t stack_bytes), void* data) noexcept;
+// Runs work(stack_bytes) on a thread with a deep stack and returns when it has ended; stack_bytes
+// is what StackLeft would answer there, without its limit. False where no such thread can be had:
+// the work, which must not throw, was not run. [any thread]
+bool RunOnDeepStack(const std::function<void(std::size_t stack_bytes)>& work) noexcept;
 
 }  // namespace zrk
 

@@ -54,33 +54,31 @@ struct Seen {
   std::thread::id caller = std::this_thread::get_id();
 };
 
-void Work(void* data) {
-  auto& seen = *static_cast<Seen*>(data);
+void Work(Seen& seen) {
   ++seen.works;
   seen.on_caller = std::this_thread::get_id() == seen.caller;
 }
 
-void SlowWork(void* data) {
+void SlowWork(Seen& seen) {
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  Work(data);
+  Work(seen);
 }
 
 // On the caller's thread only, and so beside the worker's fields.
-void Idle(void* data) {
-  auto& seen = *static_cast<Seen*>(data);
+void Idle(Seen& seen) {
   ++seen.idles;
   EXPECT_EQ(std::this_thread::get_id(), seen.caller);
 }
 
 // How many of six signals are blocked on the calling thread.
-void CountBlocked(void* count) {
+int CountBlocked() {
   sigset_t mask;
   pthread_sigmask(SIG_BLOCK, nullptr, &mask);
   int blocked = 0;
   for (const int signal : {SIGINT, SIGALRM, SIGCHLD, SIGUSR1, SIGPROF, SIGRTMAX}) {
     blocked += sigismember(&mask, signal);
   }
-  *static_cast<int*>(count) = blocked;
+  return blocked;
 }
 
 class ThreadedRunner : public testing::Test {
@@ -97,7 +95,7 @@ class ThreadedRunner : public testing::Test {
 };
 
 TEST_F(ThreadedRunner, RunsTheWorkOnAnotherThreadAndIdlesOnThisOne) {
-  zrk::RunThreaded(&seen_, SlowWork, Idle);
+  zrk::RunThreaded([&] { SlowWork(seen_); }, [&] { Idle(seen_); });
   EXPECT_EQ(seen_.works, 1);
   EXPECT_FALSE(seen_.on_caller);
   EXPECT_GE(seen_.idles, 2);
@@ -107,38 +105,37 @@ TEST_F(ThreadedRunner, RunsTheWorkOnAnotherThreadAndIdlesOnThisOne) {
 }
 
 TEST_F(ThreadedRunner, NeedsNeitherWorkNorIdle) {
-  zrk::RunThreaded(&seen_, nullptr, Idle);
+  zrk::RunThreaded(nullptr, [&] { Idle(seen_); });
   EXPECT_EQ(seen_.works, 0);
   EXPECT_GE(seen_.idles, 1);
   EXPECT_GE(Yields(), 2U);
-  zrk::RunThreaded(&seen_, Work, nullptr);
+  zrk::RunThreaded([&] { Work(seen_); }, nullptr);
   EXPECT_EQ(seen_.works, 1);
-  zrk::RunThreaded(nullptr, nullptr, nullptr);
+  zrk::RunThreaded(nullptr, nullptr);
 }
 
 TEST_F(ThreadedRunner, DoesNothingWhereNoThreadCanBeHad) {
   for (bool* const missing : {&no_thread, &no_attributes}) {
     *missing = true;
-    zrk::RunThreaded(&seen_, Work, Idle);
+    zrk::RunThreaded([&] { Work(seen_); }, [&] { Idle(seen_); });
     EXPECT_EQ(seen_.works, 0);
     EXPECT_EQ(seen_.idles, 0);
     EXPECT_EQ(Yields(), 0U);
     *missing = false;
   }
-  zrk::RunThreaded(&seen_, Work, Idle);
+  zrk::RunThreaded([&] { Work(seen_); }, [&] { Idle(seen_); });
   EXPECT_EQ(seen_.works, 1);
 }
 
 // A handler of the program would run on a stack that was measured for something else.
 TEST_F(ThreadedRunner, AndTheDeepStackTakeNoSignals) {
   int blocked = 0;
-  zrk::RunThreaded(&blocked, CountBlocked, nullptr);
+  zrk::RunThreaded([&] { blocked = CountBlocked(); }, nullptr);
   EXPECT_EQ(blocked, 6);
   blocked = 0;
-  EXPECT_TRUE(zrk::RunOnDeepStack([](void* data, std::size_t) { CountBlocked(data); }, &blocked));
+  EXPECT_TRUE(zrk::RunOnDeepStack([&](std::size_t) { blocked = CountBlocked(); }));
   EXPECT_EQ(blocked, 6);
-  CountBlocked(&blocked);
-  EXPECT_EQ(blocked, 0);
+  EXPECT_EQ(CountBlocked(), 0);
 }
 
 // What the engine's calls share is right for several threads at once, each with a pattern of its
@@ -171,8 +168,8 @@ TEST(Engine, RunsOnSeveralThreadsAtOnce) {
 }
 
 TEST_F(ThreadedRunner, WaitsForTheWorkWhenAnIdleCallThrows) {
-  const auto throwing_idle = [](void*) { throw standin::NativeException(); };
-  EXPECT_THROW(zrk::RunThreaded(&seen_, SlowWork, throwing_idle), standin::NativeException);
+  const auto throwing_idle = [] { throw standin::NativeException(); };
+  EXPECT_THROW(zrk::RunThreaded([&] { SlowWork(seen_); }, throwing_idle), standin::NativeException);
   EXPECT_EQ(seen_.works, 1);
 }
 

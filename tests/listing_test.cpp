@@ -111,8 +111,13 @@ words.Sort
 For Each word As String In words
   MsgBox word
 Next
+Dim many As String = "x"
+For i As Integer = 1 To 17
+  many = many + " " + many
+Next
+MsgBox Str(Ubound(Split(many)))
 )vb",
-     "3510\nApple\nfig\npear\n"},
+     "3510\nApple\nfig\npear\n131071\n"},
     // Keys in any case; a Variant turns into what is asked of it.
     {R"vb(Dim d As New Dictionary
 d.Value("One") = 1
@@ -120,13 +125,17 @@ d.Value("oNE") = d.Value("ONE") + 1
 d.Value("list") = Array("x")
 Dim list() As String = d.Value("list")
 MsgBox Str(d.Count) + d.Keys(0) + Str(d.Value("one")) + d.Lookup("none", "-") + list(0) + Str(d.HasKey("two"))
+d.Value("block") = New MemoryBlock(3)
+d.Value("object") = New RegExZRK
+Dim block As MemoryBlock = d.Value("block")
+MsgBox Str(block.Size) + Str(d.Value("object") IsA RegExZRK) + Str(d.Value("list") IsA RegExZRK)
 Try
   MsgBox d.Value("none")
 Catch e As KeyNotFoundException
   MsgBox "no such key"
 End Try
 )vb",
-     "2One2-xFalse\nno such key\n"},
+     "2One2-xFalse\n3TrueFalse\nno such key\n"},
     {R"vb(Dim m As MemoryBlock = "abcd"
 m.UInt16Value(1) = &h5A59
 MsgBox m.StringValue(1, 3) + Str(m.Byte(0)) + Str(m.Size) + m

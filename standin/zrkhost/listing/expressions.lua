@@ -206,11 +206,11 @@ end
 
 local function array_literal(cx, arguments, expected)
   local element = expected and element_of(expected)
-  local codes = {tostring(#arguments)}
+  local codes = {}
   for i, argument in ipairs(arguments) do
     local code, type = expressions.write(cx, argument)
     element = element or type
-    codes[i + 1] = types.convert(code, type, element)
+    codes[i] = types.convert(code, type, element)
       or cx:fail("an Array of %s holds no %s", element, type)
   end
   if not element then cx:fail("what such an Array holds is not known") end

@@ -9,9 +9,7 @@ local exceptions = {"OutOfBounds", "NilObject", "OutOfMemory", "TypeMismatch", "
                     "IllegalCast", "UnsupportedFormat", "InvalidArgument", "StackOverflow"}
 types.class("RuntimeException")
 for _, name in ipairs(exceptions) do types.class(name .. "Exception", "RuntimeException") end
-for _, name in ipairs {"Object", "Dictionary", "MemoryBlock", "TextEncoding"} do
-  types.class(name, name == "Object" and "" or nil)
-end
+for _, name in ipairs {"Dictionary", "MemoryBlock", "TextEncoding"} do types.class(name) end
 
 local L, row = rows.functions, rows.row
 local property = {property = true}
@@ -43,7 +41,9 @@ local function kind(value)
   if math.type(value) then return math.type(value) == "integer" and "Integer" or "Double" end
   if type(value) == "boolean" then return "Boolean" end
   if text.is(value) then return "String" end
-  return type(value) == "table" and value.class or tostring(value):match "^%a[%w]*" or "Object"
+  if type(value) == "table" then return value.class end
+  local is_block = pcall(function() return value.size end)
+  return is_block and "MemoryBlock" or tostring(value):match "%w+$"
 end
 function L.isa(value, class) return value ~= nil and types.isa(kind(value), class) end
 
@@ -72,17 +72,18 @@ function L.cast(value, wanted)
   if wanted == "String" then return L.value_text(value) end
   if wanted == "Double" and scalar then return number(value) end
   if wanted == "Integer" and scalar then return L.whole(number(value)) end
-  if wanted == held or types.element(wanted) or types.isa(held, wanted) then return value end
+  local is_array = held == "Array" and types.element(wanted)
+  if wanted == held or is_array or types.isa(held, wanted) then return value end
   raise(initial[wanted] ~= nil and "TypeMismatchException" or "IllegalCastException")
 end
 
 -- Arrays: their elements from 0 to n - 1.
 
-function L.array(n, ...)
-  local array = {n = n or 0, class = "Array"}
-  for i = 1, array.n do array[i - 1] = (select(i, ...)) end
-  return array
+-- An array of the elements 1 to n of a Lua table.
+function L.array_of(list, n)
+  return table.move(list, 1, n or #list, 0, {n = n or #list, class = "Array"})
 end
+function L.array(...) return L.array_of({...}, select("#", ...)) end
 function L.resize(array, bound, initial)
   for i = array.n, bound do array[i] = initial end
   for i = bound + 1, array.n - 1 do array[i] = nil end
@@ -287,8 +288,7 @@ local function to_host(value, wanted)
   return wanted == "String()" and host.stringarray(list) or host.variantarray(list)
 end
 local function from_host(value)
-  if type(value) == "table" then return L.array(#value, table.unpack(value)) end
-  return value
+  return type(value) == "table" and L.array_of(value) or value
 end
 
 local function host_method(class, declaration)

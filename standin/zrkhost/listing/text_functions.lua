@@ -67,8 +67,7 @@ row("ReplaceLineEndings(source As String, ending As String) As String", through(
 end))
 
 local function pieces(s, separator)
-  local found = text.split(to_utf8(s), to_utf8(separator))
-  return L.array(#found, table.unpack(found))
+  return L.array_of(text.split(to_utf8(s), to_utf8(separator)))
 end
 row('Split(source As String, delimiter As String = " ") As String()', pieces)
 row('Join(parts() As String, delimiter As String = " ") As String', function(parts, delimiter)

@@ -4,7 +4,7 @@ local types = {}
 
 local families = {Integer = "number", Double = "number", Boolean = "Boolean", String = "String",
                   Variant = "Variant", [""] = ""}
-local names = {single = "Double", byte = "Integer"}
+local names = {single = "Double", byte = "Integer", object = "Object"}
 for name in pairs(families) do names[name:lower()] = name end
 for _, bits in ipairs {"8", "16", "32", "64"} do
   names["int" .. bits], names["uint" .. bits] = "Integer", "Integer"

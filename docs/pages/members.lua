@@ -27,7 +27,7 @@ local function named(code)
   return by_name[code:gsub("^RegExZRK%.", ""):gsub("%b()$", "")]
 end
 
--- The sentence that an entry opens with, links as plain words; empty where no sentence stands there.
+-- The sentence that an entry opens with, in HTML, links as plain words; empty where no sentence stands there.
 local function first_sentence(markdown)
   if not markdown:find("^[%w`\"*]") then return "" end
   local sentence = (markdown:match("^(.-[.:])%s") or markdown):gsub(":$", ".")
@@ -40,6 +40,7 @@ local function index(page)
   local html = { '<ul id="members">' }
   for _, member in ipairs(members) do
     local link = ('<a href="%s">%s</a>'):format(address(page, member), member.name)
+    -- Each line of a declaration begins with the name.
     local declared = member.declarations:gsub("%f[^\n\0]%w+", link):gsub("\n", "<br>\n")
     table.insert(html, ('<li><code class="declared">%s</code> %s</li>'):format(declared, first_sentence(member.opening)))
   end

@@ -20,8 +20,9 @@ local function read(page)
   return text
 end
 
+-- Titles stand in the lists of pages as they are, so they have to be plain words.
 local function title(page)
-  return assert(read(page):match("^# ([^\n]*)"), page .. " does not begin with its title")
+  return assert(read(page):match("^# ([^\n`&<*_]+)\n"), page .. " does not begin with a title in plain words")
 end
 
 -- The way from a page to another, in HTML.

@@ -11,6 +11,7 @@ local headings = 0
 local function html(text) return pandoc.MetaBlocks { pandoc.RawBlock("html", text) } end
 local function text_of(inlines) return pandoc.utils.stringify(inlines) end
 
+-- Code that names something of another class.
 local function of_others(code)
   code.classes = { "other" }
   return code

@@ -1,12 +1,12 @@
 #include "tests/run_program.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
+
+#include "tests/command.h"
 
 namespace tests {
 namespace {
@@ -18,14 +18,9 @@ std::string Run(const std::string& command, const std::string& name, const std::
       fs::path(testing::TempDir()) / ("zrk_programs." + std::to_string(getpid()));
   fs::create_directories(folder);
   std::ofstream(folder / name) << text;
-  const std::string line =
-      "cd " + folder.string() + " && timeout 60 " + command + " " + name + " 2>&1";
-  FILE* const out = popen(line.c_str(), "r");
-  std::string printed;
-  for (int byte = 0; (byte = std::fgetc(out)) != EOF;) printed += static_cast<char>(byte);
-  const int status = pclose(out);
+  const Ran ran = Shell("cd " + folder.string() + " && " + command + " " + name);
   fs::remove_all(folder);
-  return status == 0 ? printed : printed + "exit " + std::to_string(WEXITSTATUS(status));
+  return ran.status == 0 ? ran.output : ran.output + "exit " + std::to_string(ran.status);
 }
 
 }  // namespace

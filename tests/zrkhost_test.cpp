@@ -1,15 +1,11 @@
 // zrkhost as its users meet it: command lines, exit statuses, and what Lua programs see.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <stdio.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <sstream>
 #include <string>
@@ -17,40 +13,14 @@
 
 #include "standin/host.h"
 #include "standin/library.h"
+#include "tests/command.h"
 #include "tests/session.h"
 
 namespace {
 
 using namespace standin;
+using namespace tests;
 using testing::TempDir;
-
-struct Ran {
-  int status = -1;
-  std::string output;  // errors as well
-};
-
-Ran Shell(const std::string& command) {
-  Ran ran;
-  FILE* pipe = popen(("{ " + command + "; } 2>&1").c_str(), "r");
-  if (!pipe) return ran;
-  std::array<char, 4096> buffer;
-  while (const std::size_t size = fread(buffer.data(), 1, buffer.size(), pipe)) {
-    ran.output.append(buffer.data(), size);
-  }
-  const int ended = pclose(pipe);
-  if (WIFEXITED(ended)) ran.status = WEXITSTATUS(ended);
-  return ran;
-}
-
-std::string Quoted(const std::string& text) {
-  std::string quoted = "'";
-  for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
-
-Ran ZRKHost(const std::string& arguments) {
-  return Shell(ZRK_HOST_PROGRAM " " + arguments + " </dev/null");
-}
 
 Ran Lua(const std::string& code, const std::string& options = "") {
   return ZRKHost(options + " -e " + Quoted(code));
@@ -66,19 +36,6 @@ std::string LibraryThatIsNoPlugin() {
   Dl_info info = {};
   dladdr(dlsym(RTLD_DEFAULT, "gnu_get_libc_version"), &info);
   return info.dli_fname ? info.dli_fname : "";
-}
-
-// A command line or a program, and what it has to come to.
-struct Case {
-  std::string given;
-  int status;
-  std::string said;
-};
-
-void Check(const Case& row, const Ran& ran) {
-  SCOPED_TRACE(row.given);
-  EXPECT_EQ(ran.status, row.status) << ran.output;
-  EXPECT_NE(ran.output.find(row.said), std::string::npos) << ran.output;
 }
 
 TEST(ZRKHost, AnswersCommandLines) {

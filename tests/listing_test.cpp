@@ -159,7 +159,7 @@ MsgBox re.Match(mixed, True)(0) + Str(re.ExecuteMemory("xab", 1)) + re.TextMemor
      "\"nil\"\nEnd Try\n",
      "nil\n"},
     {"MsgBox \"first\"\nRaise New OutOfBoundsException\n",
-     "first\nlisting:2: unhandled OutOfBoundsException\nexit 1"},
+     "first\nlisting.xojo_code:2: unhandled OutOfBoundsException\nexit 1"},
 };
 
 TEST(Listing, RunsAsTheHostWouldRunIt) {
@@ -220,7 +220,8 @@ constexpr Row kRefusals[] = {
 
 TEST(Listing, RefusesByLineAndName) {
   for (const auto& [listing, refusal] : kRefusals) {
-    EXPECT_EQ(RunListing("listing", listing), "listing:" + std::string(refusal) + "\nexit 1")
+    EXPECT_EQ(RunListing("listing", listing),
+              "listing.xojo_code:" + std::string(refusal) + "\nexit 1")
         << listing;
   }
 }

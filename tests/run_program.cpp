@@ -30,7 +30,7 @@ std::string RunProgram(const std::string& name, const std::string& program) {
 }
 
 std::string RunListing(const std::string& name, const std::string& listing) {
-  return Run(ZRK_HOST_PROGRAM " " ZRK_SOURCE_DIR "/standin/zrkhost/listing.lua", name, listing);
+  return Run(ZRK_HOST_PROGRAM, name + ".xojo_code", listing);
 }
 
 }  // namespace tests

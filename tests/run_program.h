@@ -6,9 +6,9 @@
 
 namespace tests {
 
-// Runs a Lua program, or a listing in the host's language, from a file of this name, which messages
-// show. Answers what it prints, errors as well, and "exit N" behind that where N is not 0; it is
-// ended after a minute.
+// Runs a Lua program from a file of this name, or a listing in the host's language from
+// NAME.xojo_code; messages show these names. Answers what it prints, errors as well, and "exit N"
+// behind that where N is not 0; it is ended after a minute.
 std::string RunProgram(const std::string& name, const std::string& program);
 std::string RunListing(const std::string& name, const std::string& listing);
 

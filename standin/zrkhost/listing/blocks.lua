@@ -116,7 +116,8 @@ write["for"] = function(cx, statement)
   local last = value(cx, statement.last, type, "the end of For")
   local step, down = step_of(cx, statement, type)
   block.step = ("%s = %s %s %s"):format(code, code, down and "-" or "+", step)
-  cx:emit("do %s%s = %s while %s %s %s do do", new, code, first, code, down and ">=" or "<=", last)
+  local test = down and ">=" or "<="
+  cx:emit("do %s%s = %s while %s %s %s do do", new, code, first, code, test, last)
 end
 
 function write.for_each(cx, statement)

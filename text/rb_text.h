@@ -24,8 +24,9 @@ class rbText {
 
   // Whether what was read is still what this string holds: strings do not change, but a script may
   // have declared another encoding for this very one. `string` is the one that the adapter is for.
+  // Never so for an empty form, which may be a text that could not be had when it was asked for.
   bool StillReads(REALstringStruct* string) const {
-    return REALGetStringEncoding(string) == encoding_;
+    return !form_.bytes().empty() && REALGetStringEncoding(string) == encoding_;
   }
 
   // The UTF-8 form: its data is never null, ends with a zero byte that is not counted, and is valid

@@ -70,7 +70,8 @@ void Replacement::ListGroups() {
 }
 
 std::int64_t Replacement::LengthFor(const MatchResult& match) const {
-  std::size_t length = literal_length_;
+  // More than a size of 32 bits holds: many groups of a long text.
+  std::uint64_t length = literal_length_;
   for (const Insertion& insertion : insertions_) length += match.Text(insertion.group).size();
   return static_cast<std::int64_t>(length);
 }

@@ -307,8 +307,14 @@ TEST(ReplaceAll, RefusesWhatNoHostStringHolds) {
   EXPECT_EQ(regex.Call("ReplaceAll", {"axb", "N"}).UTF8(), "aNb");
   const Object whole = session.Compiled("(?s)^.*$(?-U)");
   whole.Call("Execute", {target});
-  EXPECT_TRUE(whole.Call("Replace", {Value(Repeated("\\0", 2050))}).IsNil());
-  EXPECT_EQ(whole.Get("Lasterror").Integer(), -99);
+  // Just past 2 GiB, and just past what 32 bits count.
+  for (const std::size_t groups : {2050U, 4097U}) {
+    const Value new_text = Repeated("\\0", groups);
+    EXPECT_TRUE(whole.Call("Replace", {new_text}).IsNil());
+    EXPECT_EQ(whole.Get("Lasterror").Integer(), -99);
+    EXPECT_TRUE(whole.Call("ReplaceAll", {target, new_text}).IsNil());
+    EXPECT_EQ(whole.Get("Lasterror").Integer(), -99);
+  }
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "regex/compile.h"
 
 #include <algorithm>
-#include <functional>
 #include <new>
 #include <string>
 #include <string_view>
@@ -50,7 +49,8 @@ std::size_t StackNeeded(std::size_t bytes) {
 
 // Runs the engine's compiler or study, on a deep stack where too little is left of the one at hand.
 // Throws std::bad_alloc, with nothing run, where no such stack can be had.
-void RunWithStack(std::size_t bytes, const std::function<void()>& work) {
+template <typename Work>
+void RunWithStack(std::size_t bytes, const Work& work) {
   if (StackLeft() >= StackNeeded(bytes)) return work();
   if (!RunOnDeepStack([&](std::size_t) { work(); })) throw std::bad_alloc();
 }

@@ -111,7 +111,7 @@ TEST(ThreadedExecute, GivesTheHostItsTurnsDuringALongMatch) {
 
 // A run is decided when it starts: the worker does not see what the program changes meanwhile.
 TEST(ThreadedExecute, ReadsTheOptionsOfItsStart) {
-  Session session;
+  Session session({.shared_objects = true});
   const Object regex = session.Compiled(kSlowPattern);
   session.host.AddTask([&] {
     regex.Set("ExecuteOptionNoUTF8Check", false);

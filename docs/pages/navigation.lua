@@ -8,7 +8,7 @@ local groups = {
     "help/members", "help/object", "help/compiling", "help/compile-options", "help/searching",
     "help/execute-options", "help/results", "help/replacing", "help/arrays", "help/constants",
     "help/errors" },
-  { title = "About the project", "README", "safety", "benchmarks", "maintaining", "releasing" },
+  { title = "About the project", "README", "safety", "benchmarks", "zrkhost", "maintaining", "releasing" },
 }
 
 local source_of = { ["help/members"] = "docs/pages/members.md" }

@@ -126,11 +126,12 @@ class Builder {
 };
 
 // The sizing pass: adds up what the matches need and records them. Where the record ends,
-// `unrecorded` takes a copy of the walk as it stands at the first match left out.
+// `unrecorded` takes a copy of the walk as it stands at the first match left out. Stops where no
+// host string holds that much, before the sum leaves its type.
 std::int64_t MeasureMatches(MatchWalk& walk, const Replacement& replacement, MatchRecord& record,
                             std::optional<MatchWalk>& unrecorded) {
   std::int64_t size = 0;
-  while (walk.Next()) {
+  while (size <= INT32_MAX && walk.Next()) {
     size += replacement.LengthFor(walk.match());
     if (!unrecorded && !record.Add(walk.match())) unrecorded = walk;
   }

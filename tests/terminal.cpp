@@ -5,11 +5,13 @@
 #include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
 #include <cstdlib>
+#include <thread>
 
 namespace tests {
 namespace {
@@ -53,10 +55,21 @@ bool Terminal::Type(const std::string& keys, const std::string& expected) {
     const std::size_t found = output_.find(expected, seen_);
     if (found != std::string::npos) {
       seen_ = found + expected.size();
-      return true;
+      return !expected.ends_with("> ") || AwaitKeys();
     }
     if (std::chrono::steady_clock::now() > until || !ReadSome()) return false;
   }
+}
+
+// Between a prompt and the editor's first look at the keys the terminal still reads whole lines.
+bool Terminal::AwaitKeys() {
+  termios mode;
+  for (int waited = 0; waited < kPatience; ++waited) {
+    if (tcgetattr(terminal_, &mode) != 0) return false;
+    if ((mode.c_lflag & ICANON) == 0) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return false;
 }
 
 void Terminal::Resize(unsigned short columns) {

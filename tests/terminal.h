@@ -18,7 +18,8 @@ class Terminal {
   Terminal& operator=(const Terminal&) = delete;
 
   // Types the keys and waits, 10 seconds at most, until `expected` has been printed after them;
-  // false where it never is. The search goes on behind what was found.
+  // false where it never is. The search goes on behind what was found. What ends in "> " is taken
+  // for a prompt: then the keys that follow go to its editor.
   bool Type(const std::string& keys, const std::string& expected);
   void Resize(unsigned short columns);
   // Waits for the end; the exit status, or -1 for an end by a signal.
@@ -29,6 +30,7 @@ class Terminal {
 
  private:
   bool ReadSome();
+  bool AwaitKeys();
   int terminal_ = -1;
   pid_t child_ = -1;
   std::string output_;

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 
 #include "tests/terminal.h"
@@ -76,6 +77,26 @@ TEST_F(Prompt, RunsShowsAndDrawsMistakes) {
   EXPECT_EQ(terminal.Wait(), 0);
 }
 
+// What stands between two marks of a text, behind `from`.
+std::string Between(const std::string& text, const std::string& first, const std::string& last,
+                    std::size_t from = 0) {
+  const std::size_t begin = text.find(first, from) + first.size();
+  return text.substr(begin, text.find(last, begin) - begin);
+}
+
+TEST_F(Prompt, TakesThePastedSessionOfTheReadme) {
+  std::ifstream file(ZRK_SOURCE_DIR "/README.md");
+  const std::string page(std::istreambuf_iterator<char>(file), {});
+  const std::string session = Between(page, "```lua\n", "```");
+  std::istringstream printed(Between(page, "```text\n", "```", page.find(session)));
+  Terminal terminal(Command(), 160);
+  ASSERT_TRUE(terminal.Type("", "> "));
+  ASSERT_TRUE(terminal.Type(session, "> "));
+  for (std::string line; std::getline(printed, line);) {
+    EXPECT_TRUE(terminal.Type("", line)) << line << "\n" << terminal.output();
+  }
+}
+
 TEST_F(Prompt, CompletesNames) {
   Terminal terminal(Command(), 120);
   ASSERT_TRUE(terminal.Type("re = RegExZRK()\r", "> "));
@@ -112,11 +133,12 @@ TEST_F(Prompt, StopsAtInterrupts) {
   ASSERT_TRUE(terminal.Type("print('run' .. 'ning') while true do end\r", "running"));
   EXPECT_TRUE(terminal.Type(kInterrupt, "interrupted\r\n"));
   ASSERT_TRUE(terminal.Type("re = RegExZRK() re:Compile('.+x') s = ('a'):rep(3000000)\r", "> "));
-  ASSERT_TRUE(terminal.Type("print('search' .. 'ing') re:Execute(s)\r", "searching"));
+  ASSERT_TRUE(terminal.Type("host.task(function() print('search' .. 'ing') end)\r", "> "));
+  ASSERT_TRUE(terminal.Type("re:ExecuteMT(s)\r", "searching"));
   EXPECT_TRUE(terminal.Type(kInterrupt, "Ctrl-C again ends zrkhost"));
   EXPECT_TRUE(terminal.Type(kInterrupt, "\n"));
   EXPECT_EQ(terminal.Wait(), 130);
-  EXPECT_NE(History().find("re:Execute(s)"), std::string::npos) << "lost with the process";
+  EXPECT_NE(History().find("re:ExecuteMT(s)"), std::string::npos) << "lost with the process";
 }
 
 // Without following the window the editor wraps lines where they no longer end.

@@ -47,6 +47,10 @@ TEST(ZRKHost, AnswersCommandLines) {
       {"--host none -e 'print(host.version)'", 0, "nil\n"},
       {"-e 'a = 1' -e 'print(a + 1)'", 0, "2\n"},
       {"/nowhere.lua", 1, "cannot open /nowhere.lua"},
+      {"'a+' /etc/passwd", 1, "to try a pattern: zrkhost try PATTERN [FILE...]"},
+      {"help Studi", 1, "no \"Studi\"; it has:\n  Study as boolean\n"},
+      {"help study", 0, "    Study as boolean\n\n"},
+      {"help constants", 0, "\nErrorNoMatch  "},
   };
   for (const Case& row : cases) Check(row, ZRKHost(row.given));
   const std::string code = Quoted("print(arg[0], #arg, ...)");
@@ -200,8 +204,7 @@ TEST(ZRKHost, NamesTheDeclarationsAfterAWrongCall) {
       {"re:Compiel('a')", 1,
        "no \"Compiel\"; it has:\n  Compile(pattern as string) as boolean\nst"},
       {"re.MatchLimits = 1", 1, "no \"MatchLimits\"; it has:\n  MatchLimit as Integer"},
-      {"re:Frobnicate()", 1,
-       "\n  Unescape(text as string) as string\n  InfoStudySize as Integer\n"},
+      {"re:Frobnicate()", 1, " Unescape, InfoStudySize,"},
       {"re:Compile(1)", 1, "Compile(integer) fits no declaration: Compile(pattern as string)"},
       {"re:Execute({})", 1, "Execute(start as integer = 0) as integer; Execute(text as string,"},
       {"re:Match(nil)", 1, "Match(nil) fits more than one declaration"},

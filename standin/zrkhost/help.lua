@@ -10,8 +10,9 @@ re:Execute("12-34")                 1 and more for a match; re:Substring(1), re:
 re                                  what it holds now
 host.memoryblock("\0\1")            other things of the host: see "man zrkhost"
 help Compile                        the reference's entry of a member
+help options, help constants        the names of the others
 
-The members of RegExZRK:]]
+Methods and properties of RegExZRK:]]
 
 local function members()
   return host.members("RegExZRK")
@@ -44,19 +45,29 @@ local function plain(lines)
   return (table.concat(shown, "\n"):gsub("^\n+", ""):gsub("\n+$", ""))
 end
 
-local function everything()
-  local names = {}
-  local last
+-- The names of the members that `wanted` says yes to, each once.
+local function names(wanted)
+  local list, seen = {}, {}
   for _, member in ipairs(members()) do
-    if member.name ~= last then names[#names + 1] = member.name end
-    last = member.name
+    if wanted(member) and not seen[member.name] then list[#list + 1] = member.name end
+    seen[member.name] = true
   end
-  return overview .. "\n" .. texts.columns(names, 78)
+  return texts.columns(list, 78)
+end
+
+local function is_option(member) return member.kind == "property" and member.name:find("eOption%u") ~= nil end
+local lists = {
+  options = function() return names(is_option) end,
+  constants = function() return names(function(member) return member.kind == "constant" end) end,
+}
+lists[""] = function()
+  return overview .. "\n" .. names(function(member) return member.kind ~= "constant" and not is_option(member) end)
 end
 
 -- The text for a name, or nil and what is there instead.
 function help.text(name)
-  if not name or name == "" then return everything() end
+  local list = lists[(name or ""):lower()]
+  if list then return list() end
   local declarations = {}
   for _, member in ipairs(members()) do
     if member.name:lower() == name:lower() then

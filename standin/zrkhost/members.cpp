@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 namespace standin::zrkhost {
@@ -48,10 +49,25 @@ Texts MembersLike(const ClassInfo& info, std::string_view name) {
 }
 
 Texts MethodsAndProperties(const ClassInfo& info) {
-  Texts texts;
-  for (const Method& method : info.methods()) texts.push_back(method.text);
-  for (const Property& property : info.properties()) texts.push_back(PropertyText(property));
-  return texts;
+  Texts names;
+  for (const Method& method : info.methods()) {
+    const std::string& name = method.declaration.name;
+    if (std::ranges::find(names, name) == names.end()) names.push_back(name);
+  }
+  for (const Property& property : info.properties()) names.push_back(property.name);
+  return names;
+}
+
+// Names with commas between them, in lines of some width.
+std::string Listed(const Texts& names) {
+  constexpr std::size_t kWidth = 78;
+  std::string text;
+  std::string line = "\n ";
+  for (const std::string& name : names) {
+    if (line.size() + name.size() > kWidth) text += std::exchange(line, "\n ");
+    line += " " + name + (&name == &names.back() ? "" : ",");
+  }
+  return text + line;
 }
 
 }  // namespace
@@ -65,9 +81,9 @@ const char* AccessText(const Property& property) {
 }
 
 std::string NoMemberText(const ClassInfo& info, std::string_view name) {
-  Texts texts = MembersLike(info, name);
-  if (texts.empty()) texts = MethodsAndProperties(info);
+  const Texts texts = MembersLike(info, name);
   std::string text = info.name() + " has no \"" + std::string(name) + "\"; it has:";
+  if (texts.empty()) return text + Listed(MethodsAndProperties(info));
   for (const std::string& member : texts) text += "\n  " + member;
   return text;
 }

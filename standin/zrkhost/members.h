@@ -14,8 +14,8 @@ std::string PropertyText(const Property& property);
 // "read only" or "read and write".
 const char* AccessText(const Property& property);
 
-// `RegExZRK has no "Compiel"; it has:`, and a line for each member with a name like that one, or
-// for each method and property where there is none.
+// `RegExZRK has no "Compiel"; it has:`, and a line for each member with a name like that one;
+// where there is none, the names of all methods and properties.
 std::string NoMemberText(const ClassInfo& info, std::string_view name);
 
 }  // namespace standin::zrkhost

@@ -9,6 +9,9 @@ local failed        -- the object of this entry's last Compile, if that failed
 
 -- ---- what is typed --------------------------------------------------------------------------
 
+-- As they are spelled in the host's language.
+True, False = true, false
+
 local function name_of(number) return "=prompt " .. number end
 
 -- Locals of an entry live on as globals: `keep` is called where the entry ends, and looks at the

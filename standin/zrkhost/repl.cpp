@@ -102,6 +102,7 @@ void Prompt(lua_State* L) {
   const auto complete = [L](std::string_view line, int width) {
     return CompleteLine(L, line, width);
   };
+  std::signal(SIGINT, SIG_IGN);  // a key of the editor's, but for the moment before it looks
   LineEditor editor(HistoryFile(), complete);
   std::puts("zrkhost " ZRK_VERSION ", " LUA_VERSION ". Try help; Tab completes, Ctrl-D ends.");
   std::string entry;

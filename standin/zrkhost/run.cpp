@@ -18,6 +18,10 @@ int AddTraceback(lua_State* L) {
 // Runs what a load left on the stack; `words` are its name and arguments.
 bool CallLoaded(lua_State* L, int load_status, const std::vector<std::string>& words) {
   if (load_status != LUA_OK) {
+    if (load_status == LUA_ERRFILE && words.size() > 1) {
+      lua_pushliteral(L, "; to try a pattern: zrkhost try PATTERN [FILE...]");
+      lua_concat(L, 2);
+    }
     ReportError(L);
     return false;
   }

@@ -20,6 +20,7 @@ Study helps. Quantifiers are lazy unless --greedy is given, as everywhere in the
       --encoding NAME   of the files, if it is not UTF-8: "Windows Latin-1", MacRoman, UTF-16
       --bytes           searches bytes; what is not UTF-8 is searched so in any case
   -r, --replace TEXT    shows what ReplaceAll makes of the text, as a difference
+  -p, --print           with --replace: prints all of the new text
   -c, --count           prints the number of matches alone
   -o, --only-matching   prints the matches alone, one a line
       --json            prints an object for each file, one a line
@@ -34,6 +35,7 @@ local words = {
   ["-t"] = { "text", true }, ["--text"] = { "text", true },
   ["-r"] = { "replace", true }, ["--replace"] = { "replace", true },
   ["--encoding"] = { "encoding", true }, ["--color"] = { "color", true }, ["--colour"] = { "color", true },
+  ["-p"] = { "print" }, ["--print"] = { "print" },
   ["-c"] = { "count" }, ["--count"] = { "count" },
   ["-o"] = { "only_matching" }, ["--only-matching"] = { "only_matching" },
   ["--json"] = { "json" }, ["--code"] = { "code" }, ["--bytes"] = { "bytes" },
@@ -110,6 +112,7 @@ function options.parse(list)
     end
   end
   if not parsed.pattern and not parsed.help then return nil, "a pattern is needed: zrkhost try PATTERN [FILE...]" end
+  if parsed.print and not parsed.replace then return nil, "--print needs --replace" end
   if not ({ always = 1, never = 1, auto = 1 })[parsed.color] then return nil, "--color takes always, never or auto" end
   return parsed
 end

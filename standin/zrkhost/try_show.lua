@@ -199,6 +199,8 @@ local ways = {}
 function ways.code(options) return { text = function(text, matches) print(codes.program(options, text, matches)) end } end
 function ways.json() return { text = function(text, matches) print(json(text, matches)) end } end
 
+function ways.print() return { text = function(text) io.write(text.replaced or text.bytes) end } end
+
 function ways.count(_, several)
   return { text = function(text, matches) print((several and text.name .. ":" or "") .. #matches) end }
 end
@@ -223,8 +225,8 @@ return { for_options = function(options, several)
   local coloured
   paint, coloured = painter(options)
   marked = not coloured
-  for name, way in pairs(ways) do
-    if options[name] then return way(options, several) end
+  for _, name in ipairs { "code", "json", "count", "only_matching", "print" } do
+    if options[name] then return ways[name](options, several) end
   end
   return ways.lines(options, several)
 end }

@@ -18,7 +18,7 @@ _zrkhost() {
     *:--encoding) words="UTF-8 UTF-16 UTF-32 ASCII" ;;
     try:*)
       [[ $word == -* ]] && words="--caseless --dotall --multiline --extended --greedy --matchlimit=
-        --matchlimitrecursion= --text --encoding --bytes --replace --count --only-matching --json --code
+        --matchlimitrecursion= --text --encoding --bytes --replace --print --count --only-matching --json --code
         --color --help $(_zrkhost_members "$program" ' as Boolean, read and write' | sed 's/^/--/')"
       ;;
     *:--host) words="2011 2012 2013 2013.03 2013.04 2016 2017 none" ;;

@@ -71,7 +71,7 @@ function contents() {
     missing: [...document.images].filter((image) => !image.naturalWidth).map((image) => image.src),
     words: document.body.innerText.length,
     navigation: [...document.querySelectorAll('#pages a')].filter((link) => link.getClientRects().length).length,
-    version: document.getElementById('foot').innerText,
+    foot: document.getElementById('foot').innerText.trim(),
   };
 }
 

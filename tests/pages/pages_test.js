@@ -1,5 +1,6 @@
 // The built pages in a real browser: node tests/pages/pages_test.js build/docs
 'use strict';
+const { execFileSync } = require('node:child_process');
 const fs = require('node:fs');
 const path = require('node:path');
 const { pathToFileURL, fileURLToPath } = require('node:url');
@@ -9,6 +10,7 @@ const ask = require('./in_page.js');
 const root = path.resolve(process.argv[2]);
 const files = fs.readdirSync(root, { recursive: true }).map((name) => path.join(root, name)).sort();
 const pages = files.filter((name) => name.endsWith('.html'));
+const version = execFileSync(path.join(__dirname, '../../tools/version'), { encoding: 'utf8' }).trim();
 const pictures = files.filter((name) => /help.*\.svg$/.test(name));
 
 const views = [360, 800, 1280].flatMap((width) => ['light', 'dark'].map((scheme) => ({ width, scheme })));
@@ -51,7 +53,7 @@ async function look(browser, name, seen) {
   seen.set(pathToFileURL(name).href, content);
   check(where, content.missing.map((image) => `shows no ${image}`));
   if (content.navigation < 5) check(where, ['has no navigation']);
-  if (!/\d+\.\d+\.\d+/.test(content.version)) check(where, ['names no version']);
+  if (!content.foot.endsWith(` ${version}`)) check(where, [`is not of version ${version}`]);
 }
 
 function follow(seen) {

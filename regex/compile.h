@@ -9,15 +9,17 @@
 
 namespace zrk {
 
-// The pattern is read up to its first NUL character.
+// Compile(pattern): read up to its first NUL character.
 HostBoolean rb_pcre_compile2(RegExClassData& data, REALstringStruct* pattern);
 
-// Raises "NilObjectException" for a block that is nil or has no bytes, "OutOfBoundsException" for
-// an offset outside it. Bytes without a zero byte behind them are compiled up to the block's end.
+// CompileMemory(pattern, ByteOffset): raises "NilObjectException" for a block that is nil or has no
+// bytes, "OutOfBoundsException" for an offset outside it. Bytes without a zero byte behind them are
+// compiled up to the block's end.
 HostBoolean rb_pcre_compileM(RegExClassData& data, REALmemoryBlockStruct* pattern,
                              HostInteger ByteOffset);
 
-// True unless the engine reports an error; nothing to learn is no error. False without a pattern.
+// Study: true unless the engine reports an error; nothing to learn is no error. False without a
+// pattern.
 HostBoolean rb_pcre_study(RegExClassData& data);
 
 }  // namespace zrk

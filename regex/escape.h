@@ -7,11 +7,11 @@
 
 namespace zrk {
 
-// A backslash before each of $ ( ) * + . ? [ \ ] ^ { | }; every other byte as it is.
+// Escape(text): a backslash before each of $ ( ) * + . ? [ \ ] ^ { | }; every other byte as it is.
 REALstringStruct* EscapeString(RegExClassData& data, REALstringStruct* text);
 
-// Every backslash dropped and the byte behind it kept, whatever it is: "\n" gives "n". A backslash
-// at the very end gives one NUL byte.
+// Unescape(text): every backslash dropped and the byte behind it kept, whatever it is: "\n" gives
+// "n". A backslash at the very end gives one NUL byte.
 REALstringStruct* UnescapeString(RegExClassData& data, REALstringStruct* text);
 
 }  // namespace zrk

@@ -8,14 +8,16 @@
 
 namespace zrk {
 
-// The kept subject with its current match replaced, and the replacement alone. Both results end at
-// their first NUL byte. Groups that the object's vector has no room for read as empty.
+// Replace(NewText): the kept subject with its current match replaced; ReplaceSelection(NewText):
+// the replacement alone, which needs no kept subject. Both results end at their first NUL byte.
+// Groups that the object's vector has no room for read as empty.
 REALstringStruct* Replace(RegExClassData& data, REALstringStruct* NewText);
 REALstringStruct* ReplaceSelection(RegExClassData& data, REALstringStruct* NewText);
 
-// Target with every match replaced, NUL bytes kept; the object's subject and vector stay as they
-// are. Count becomes the number of engine calls made: one more than there were matches, unless the
-// last match ended at Target's end. An engine failure ends the matches, as no further match does.
+// ReplaceAll(Target, NewText): Target with every match replaced, NUL bytes kept; the object's
+// subject and vector stay as they are. Count becomes the number of engine calls made: one more than
+// there were matches, unless the last match ended at Target's end. An engine failure ends the
+// matches, as no further match does.
 REALstringStruct* ReplaceAll(RegExClassData& data, REALstringStruct* Target,
                              REALstringStruct* NewText);
 

@@ -27,6 +27,6 @@ set_target_properties(engine PROPERTIES POSITION_INDEPENDENT_CODE ON C_VISIBILIT
 target_include_directories(engine SYSTEM PUBLIC ${include} PRIVATE ${source})
 target_compile_definitions(engine PRIVATE HAVE_CONFIG_H SUPPORT_PCRE8 SUPPORT_UTF SUPPORT_UCP
   HAVE_INTTYPES_H HAVE_MEMMOVE HAVE_STDINT_H HAVE_STDLIB_H HAVE_STRING_H)
-# As Debian compiles it, in whatever kind of build; and what is not called is left out of the library.
-target_compile_options(engine PRIVATE -O2 -fstack-protector-strong -D_FORTIFY_SOURCE=2
-  -ffunction-sections -fdata-sections)
+# As Debian compiles it, in whatever kind of build. Sections of their own for functions and data would
+# save little, and made walks 4 to 8 % slower.
+target_compile_options(engine PRIVATE -O2 -fstack-protector-strong -D_FORTIFY_SOURCE=2)

@@ -1,4 +1,4 @@
-// The prompt of zrkhost in a real terminal.
+// zrkhost in a real terminal: the prompt, and what try does there.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -151,6 +151,21 @@ TEST_F(Prompt, FollowsTheWindow) {
   ASSERT_TRUE(terminal.Type("'" + word, std::string(27, 'w')));
   ASSERT_TRUE(terminal.Type("\x15", "\x1b[A")) << terminal.output();
   EXPECT_TRUE(terminal.Type("#'" + word + "'\r", "\n40\r\n")) << terminal.output();
+}
+
+TEST(TryInATerminal, ColoursWhatItFinds) {
+  Terminal terminal(ZRK_HOST_PROGRAM " try '(b)' -t 'Käb'");
+  EXPECT_TRUE(terminal.Type("", "Kä\x1b[32mb\x1b[0m\r\n")) << terminal.output();
+  EXPECT_EQ(terminal.Wait(), 0);
+}
+
+TEST(TryInATerminal, ShowsThatItSearchesAndEndsAtAnInterrupt) {
+  Terminal terminal(
+      "env LC_ALL=C awk 'BEGIN { while (i++ < 300000) printf \"a\" }' | " ZRK_HOST_PROGRAM
+      " try '.+x'");
+  EXPECT_TRUE(terminal.Type("", "searching the input: 0 %, 0 matches")) << terminal.output();
+  EXPECT_TRUE(terminal.Type(kInterrupt, "^C"));
+  EXPECT_NE(terminal.Wait(), 0);
 }
 
 }  // namespace

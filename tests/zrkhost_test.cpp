@@ -296,4 +296,25 @@ TEST(ZRKHost, GivesTasksTheirTurns) {
   }
 }
 
+// Words of a command line, and the choices that the shell is given for the last one.
+TEST(ZRKHost, CompletesItsCommandLineInBash) {
+  const std::map<std::string, std::string> cases = {
+      {"zrkhost tr", "try"},
+      {"zrkhost --no-d", "--no-direct-storage"},
+      {"zrkhost --without REALUnlockS", "REALUnlockString"},
+      {"zrkhost help Stu", "Study"},
+      {"zrkhost try --only", "--only-matching"},
+      {"zrkhost try --CompileOptionUng", "--CompileOptionUngreedy"},
+  };
+  for (const auto& [words, choices] : cases) {
+    const Ran ran = Shell(
+        "bash -c " + Quoted("PATH=$(dirname " ZRK_HOST_PROGRAM "):$PATH; source " ZRK_SOURCE_DIR
+                            "/standin/zrkhost/completions/zrkhost.bash; COMP_WORDS=(" +
+                            words +
+                            "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _zrkhost; "
+                            "echo \"${COMPREPLY[*]}\""));
+    EXPECT_EQ(ran.output, choices + "\n") << words;
+  }
+}
+
 }  // namespace

@@ -1,3 +1,5 @@
+// A host exception is an object of a class that the host knows by name. It is made, filled and
+// handed over here; the host raises it when the method returns.
 #include "host/exceptions.h"
 
 #include <cinttypes>
@@ -28,6 +30,7 @@ void RaiseException(const char* class_name, const char* message, std::uint32_t e
   REALRaiseException(exception.get());
 }
 
+// Memory may be what is short, so the message can be left out and never throws.
 void RaiseOutOfBoundsException(std::int64_t value, std::int64_t minimum, std::int64_t maximum,
                                const char* parameter_name, const char* method_name) {
   constexpr std::size_t kRoomForTheRest = 200;

@@ -8,7 +8,8 @@
 
 namespace zrk {
 
-// What a thread does. It must not throw, and has to live until the thread has ended.
+// What a thread does. It must not throw, and has to live until the thread has ended. Made from a
+// std::ref it needs no memory.
 using ThreadWork = std::function<void()>;
 
 // Creates a thread with every signal blocked: the program's handlers would not expect to run there,

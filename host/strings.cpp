@@ -4,6 +4,7 @@
 
 namespace zrk {
 
+// Two steps, since hosts before 2012.0 have no way to build a marked string.
 REALstringStruct* BuildThenMark(std::string_view bytes, std::uint32_t encoding) {
   if (bytes.empty() || bytes.size() > INT32_MAX) return nullptr;
   REALstringStruct* const string = originalREALBuildString(bytes.data(), LengthOf(bytes));

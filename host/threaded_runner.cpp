@@ -92,7 +92,8 @@ bool StartThread(pthread_t& thread, const ThreadWork& run) {
 
 void RunOnThread(const ThreadWork& work, const std::function<void()>& idle) {
   DoneFlag done = false;
-  const ThreadWork run = [&] { Run(work, done); };
+  const auto run_and_tell = [&] { Run(work, done); };
+  const ThreadWork run = std::ref(run_and_tell);
   pthread_t thread{};
   if (!StartThread(thread, run)) return;
   const JoinWorker join{thread};

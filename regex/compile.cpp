@@ -1,3 +1,5 @@
+// A compile forgets the subject, the message and the pattern before anything is looked at, so that
+// a failed one leaves no pattern that a script could take for the new one.
 #include "regex/compile.h"
 
 #include <algorithm>
@@ -15,6 +17,7 @@ namespace zrk {
 
 namespace {
 
+// The engine's messages are ASCII and not translated.
 REALstringStruct* BuildMessage(const char* message) {
   return message != nullptr ? REALBuildUnicodeString(message, kEncodingASCII) : nullptr;
 }
@@ -52,9 +55,11 @@ std::size_t StackNeeded(std::size_t bytes) {
 template <typename Work>
 void RunWithStack(std::size_t bytes, const Work& work) {
   if (StackLeft() >= StackNeeded(bytes)) return work();
-  if (!RunOnDeepStack([&](std::size_t) { work(); })) throw std::bad_alloc();
+  const auto on_deep_stack = [&](std::size_t) { work(); };
+  if (!RunOnDeepStack(std::ref(on_deep_stack))) throw std::bad_alloc();
 }
 
+// Compiles up to the first zero byte; the engine takes no length.
 HostBoolean CompileText(RegExClassData& data, const char* pattern) {
   int error_code = 0;
   const char* error_text = nullptr;
@@ -96,6 +101,7 @@ HostBoolean rb_pcre_compileM(RegExClassData& data, REALmemoryBlockStruct* patter
   return CompileText(data, std::string(text).c_str());
 }
 
+// The earlier study goes only when the new one is there: one that cannot be had changes nothing.
 HostBoolean rb_pcre_study(RegExClassData& data) {
   Released earlier;
   ClearErrorMessage(data, earlier);

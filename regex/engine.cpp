@@ -1,6 +1,7 @@
 #include "regex/engine.h"
 
 #include <algorithm>
+#include <functional>
 #include <string_view>
 
 #include "regex/stack_depth.h"
@@ -59,9 +60,10 @@ int RunWithLimit(EngineCall& call, unsigned long limit) {
 [[gnu::cold, gnu::noinline]] int RunAgainDeep(EngineCall& call) {
   std::fill_n(call.vector, call.vector_size, 0);  // captures of the first attempt
   int result = PCRE_ERROR_RECURSIONLIMIT;
-  RunOnDeepStack([&](std::size_t stack_bytes) {
+  const auto run = [&](std::size_t stack_bytes) {
     result = RunWithLimit(call, std::min(call.recursion_limit, LevelsIn(stack_bytes)));
-  });
+  };
+  RunOnDeepStack(std::ref(run));
   return result;
 }
 

@@ -1,6 +1,9 @@
+// Every search takes the same steps: take the earlier subject out, make the object ready, keep the
+// new subject, run the engine, store what it answered. What was taken out is given back last.
 #include "regex/execute.h"
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 
 #include "host/exceptions.h"
@@ -42,7 +45,8 @@ HostInteger RunOnWorker(RegExClassData& data, HostInteger start) {
   EngineCall call = PrepareUnlimitedCall(data);
   SetSubject(call, SubjectOf(data), start);
   std::optional<int> result;  // stays empty where no thread could be had
-  RunThreaded([&] { WorkExecute(call, result); }, nullptr);
+  const auto work = [&] { WorkExecute(call, result); };
+  RunThreaded(std::ref(work), nullptr);
   if (result) StoreResult(data, *result);
   return data.Count;
 }
@@ -83,6 +87,7 @@ void StoreResult(RegExClassData& data, int result) {
   return RunHere(data, start);
 }
 
+// ByteOffset only moves the place where the search begins; what lies before it can be looked at.
 HostInteger rb_pcre_execM(RegExClassData& data, REALmemoryBlockStruct* text, HostInteger ByteOffset,
                           HostInteger ByteLength) {
   constexpr MemoryTexts kTexts{"ExecuteMemory", "text Memoryblock is nil"};
@@ -92,6 +97,8 @@ HostInteger rb_pcre_execM(RegExClassData& data, REALmemoryBlockStruct* text, Hos
   return std::max(RunHere(data, ByteOffset), 0);
 }
 
+// From here on the engine runs on a worker. The object is referenced meanwhile, since a yield may
+// run a program that lets go of it.
 HostInteger rb_pcre_execMT(REALobjectStruct* object, REALstringStruct* text, HostInteger start) {
   RegExClassData& data = DataOf(object);
   Released earlier = ClearText(data);

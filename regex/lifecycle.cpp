@@ -1,3 +1,5 @@
+// An object's life: the host hands over a zero-filled record, the constructor gives it a vector and
+// the default options, and the destructor gives back everything that the record has come to own.
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
@@ -9,6 +11,7 @@ namespace zrk {
 
 namespace {
 
+// In entries. The smallest vector has room for the whole match and 16 groups.
 constexpr HostInteger kSmallestVector = 51;
 constexpr HostInteger kLargestVector = 65535;
 // The engine uses the last third of its vector as a work area (pcreapi, pcre_exec).
@@ -16,6 +19,8 @@ constexpr HostInteger kEntriesPerPair = 3;
 
 }  // namespace
 
+// Lazy quantifiers are the class's default on purpose. The engine's UTF-8 check is off, since hosts
+// convert text themselves; bytes that it must not see are kept from it (SubjectBytes).
 void RegExConstructor(RegExClassData& data, HostInteger VecSize) {
   const HostInteger clamped = std::clamp(VecSize, kSmallestVector, kLargestVector);
   const HostInteger entries = clamped - clamped % kEntriesPerPair;
@@ -30,6 +35,7 @@ void RegExConstructor(RegExClassData& data, HostInteger VecSize) {
   data.VectorSize = entries;
 }
 
+// The references go last, when the record is empty.
 void RegExDestructor(RegExClassData& data) {
   Released released = ClearText(data);
   ClearErrorMessage(data, released);

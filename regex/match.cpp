@@ -1,3 +1,5 @@
+// A text is searched where it is and forgotten: Count, Lasterror and the vector are all that Match
+// leaves, and the array forms leave only the vector of the last element.
 #include "regex/match.h"
 
 #include <cstdint>
@@ -31,6 +33,7 @@ StringReference FetchElement(_REALarrayString* array, StringArrayGetter& getter,
   return StringReference::Adopt(getter != nullptr ? getter(array, index) : nullptr);
 }
 
+// A variant's text, with one reference; null where the host cannot tell it.
 REALstringStruct* TextOf(REALobjectStruct* variant) {
   if (variant == nullptr) return nullptr;
   if (GetVariantString.IsAvailable()) return GetVariantString(variant);
@@ -50,6 +53,8 @@ StringReference FetchElement(_REALarrayObject* array, ObjectArrayGetter& getter,
   return StringReference::Adopt(TextOf(variant.get()));
 }
 
+// The strings that were found, as the host gave them: the inserter takes a reference of its own. A
+// host without arrays has none to fill.
 class ResultArray {
  public:
   ResultArray() : array_(StringArrayReference::Adopt(REALCreateArray(kStringElements, -1))) {}

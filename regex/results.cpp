@@ -1,3 +1,5 @@
+// Everything here reads the vector and the kept subject as the last search left them. With
+// "(?<y>\d+)-" over "on 2024-", the vector begins 3, 8, 3, 7: the whole match, then the group "y".
 #include "regex/results.h"
 
 #include <algorithm>
@@ -81,10 +83,12 @@ bool ReadInfo(const RegExClassData& data, int item, Value& value) {
 
 }  // namespace
 
+// An unset group reads as -1, as the engine has it.
 HostInteger GetOffset(RegExClassData& data, HostInteger index) {
   return EntryAt(data, index, "Offset").value_or(0);
 }
 
+// Entry 0 and unset groups need no subject, so nothing is asked of the host for them.
 HostInteger GetOffsetChar(RegExClassData& data, HostInteger index) {
   const std::optional<std::int32_t> offset = EntryAt(data, index, "OffsetCharacters");
   if (offset.value_or(0) < 1) return 0;
@@ -120,6 +124,7 @@ HostInteger rbpcre_get_stringnumber(RegExClassData& data, REALstringStruct* name
   return std::max(group, 0);
 }
 
+// The table is in alphabetical order, so a group's name has to be looked for.
 REALstringStruct* InfoNameEntry(RegExClassData& data, HostInteger Index) {
   if (data.Handle == nullptr) return nullptr;
   int groups = 0;

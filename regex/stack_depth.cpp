@@ -145,7 +145,8 @@ bool RunOnDeepStack(const std::function<void(std::size_t)>& work) noexcept {
   if (!stack.IsUsable()) return false;
   pthread_attr_t attributes;
   if (pthread_attr_init(&attributes) != 0) return false;
-  const ThreadWork run = [&] { work(WithoutReserve(Here() - stack.low())); };
+  const auto measure_and_run = [&] { work(WithoutReserve(Here() - stack.low())); };
+  const ThreadWork run = std::ref(measure_and_run);
   pthread_t thread{};
   const bool started = pthread_attr_setstack(&attributes, stack.memory(), kDeepStackBytes) == 0 &&
                        CreateQuietThread(thread, attributes, run);

@@ -1,3 +1,5 @@
+// The record is plain data that the host keeps, so what it owns goes in by release() and Take() and
+// comes out into Released, which owns it again.
 #include "regex/subject.h"
 
 #include <string_view>
@@ -9,6 +11,7 @@ namespace zrk {
 
 namespace {
 
+// What is searched, and what results are read from; null for no subject.
 void PointAt(RegExClassData& data, std::string_view bytes) {
   data.TextPointer = bytes.data();
   data.TextLength = static_cast<std::int32_t>(bytes.size());
@@ -35,6 +38,8 @@ void ClearErrorMessage(RegExClassData& data, Released& released) {
   released.error_message = StringReference::Adopt(std::exchange(data.ErrorMessage, nullptr));
 }
 
+// The adapter holds a reference of its own, and the one in Text is what the script sees: both are
+// part of what the host expects.
 void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier) {
   if (text != nullptr && text == earlier.text.get() && earlier.text_adapter->StillReads(text)) {
     data.TextAdapter = earlier.text_adapter.release();
@@ -46,6 +51,7 @@ void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier) {
   PointAt(data, data.TextAdapter->UTF8());
 }
 
+// A block without memory is kept as well: the engine answers for it that there is no subject.
 bool KeepMemory(RegExClassData& data, REALmemoryBlockStruct* block, std::int32_t length,
                 const char* method) {
   auto adapter = std::make_unique<rbData>(block);

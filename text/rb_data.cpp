@@ -10,6 +10,7 @@ namespace zrk {
 
 namespace {
 
+// Asked anew each time: a script may resize a block that it holds as well.
 std::string_view BytesOf(REALmemoryBlockStruct* block) {
   const bool ask = HostIsAtLeast(kHostHidesItsRecords);
   const std::int32_t size = ask ? REALMemoryBlockGetSize(block) : block->Size;

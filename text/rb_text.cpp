@@ -1,3 +1,5 @@
+// The cheapest way that serves comes first: ASCII is read where it is, UTF-8 on hosts that show
+// their records as well, and only the rest is converted by the host, when somebody reads it.
 #include "text/rb_text.h"
 
 #include <algorithm>

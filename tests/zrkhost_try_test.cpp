@@ -60,6 +60,10 @@ TEST(Try, ShowsMatchesInTheirLines) {
 Quantifiers are lazy here; with --greedy the first match is "aa"
 2 matches in 3 bytes, ...
 )"},
+      {R"-(-m 'a$' -t "$(printf 'a\r\nb')")-",
+       R"(Lines end in CR LF here: --newlineanycrlf lets $ match before it
+0 matches in 4 bytes, ...
+)"},
       {R"('x*' -g -t axé)",
        R"(    1: axé
        ^^^^
@@ -110,6 +114,8 @@ TEST(Try, AnswersAsGrepDoes) {
       {"--matchlimit=1 '(a|b)+c' -t ababc", 2, "ended with ErrorMatchLimit"},
       {"-i", 2, "a pattern is needed"},
       {"-p a", 2, "--print needs --replace"},
+      {"--encoding=Klingon a " ZRK_SOURCE_DIR "/README.md", 2, "there are: UTF-8"},
+      {"-r 'a\\' b -t b.", 2, "ReplaceAll makes something else"},
       {"--color=blue a", 2, "always, never or auto"},
       {"--help", 0, "--only-matching"},
       {"-c -- -c -", 1, "0\n"},

@@ -4,41 +4,29 @@ local texts = require "zrkhost.texts"
 -- What each object was given to compile last, as { text = ..., compiled = ... }: no property tells.
 local patterns = setmetatable({}, { __mode = "k" })
 
-local function constant_name(number)
-  if number == 0 then return "" end
-  for _, member in ipairs(host.members("RegExZRK")) do
-    if member.kind == "constant" and RegExZRK[member.name] == number then return " (" .. member.name .. ")" end
-  end
-  return ""
-end
-
-local function quoted(text)
-  if #text > 200 then text = text:sub(1, (utf8.offset(text, 0, 200) or 200) - 1) .. "..." end
-  return '"' .. texts.printable(text) .. '"'
-end
-
 local shapes = {}
 
 function shapes.RegExZRK(object)
   local known = patterns[object]
   local state = "no pattern"
   if known and known.compiled then
-    state = "pattern " .. quoted(known.text)
+    state = "pattern " .. texts.quoted(known.text)
   elseif known then
     return "RegExZRK, pattern does not compile:\n" .. texts.mistake(known.text, object)
   end
-  return ("RegExZRK, %s, Count %d, Lasterror %d%s"):format(
-    state, object.Count, object.Lasterror, constant_name(object.Lasterror))
+  local code = object.Lasterror
+  local name = code ~= 0 and " (" .. texts.constant(code) .. ")" or ""
+  return ("RegExZRK, %s, Count %d, Lasterror %d%s"):format(state, object.Count, code, name)
 end
 shapes["memory block"] = function(block)
   local hex = {}
   local bytes = tostring(block)
   for index = 1, math.min(#bytes, 16) do hex[index] = ("%02x"):format(bytes:byte(index)) end
   return ("memory block, %d byte%s: %s%s  %s"):format(
-    #bytes, #bytes == 1 and "" or "s", table.concat(hex, " "), #bytes > 16 and " ..." or "", quoted(bytes))
+    #bytes, #bytes == 1 and "" or "s", table.concat(hex, " "), #bytes > 16 and " ..." or "", texts.quoted(bytes))
 end
 shapes["string"] = function(text)
-  return ("%s in %s, %d byte%s"):format(quoted(tostring(text)), text:encoding(), #text, #text == 1 and "" or "s")
+  return ("%s in %s, %d byte%s"):format(texts.quoted(tostring(text)), text:encoding(), #text, #text == 1 and "" or "s")
 end
 
 local show
@@ -64,7 +52,7 @@ shapes["string array"], shapes["variant array"] = array, array
 function show(value, depth)
   local shape = shapes[host.type(value)]
   if shape then return shape(value) end
-  if type(value) == "string" then return depth > 0 and quoted(value) or value end
+  if type(value) == "string" then return depth > 0 and texts.quoted(value) or value end
   local plain = type(value) == "table" and not getmetatable(value)
   return plain and depth < 3 and elements(value, depth) or tostring(value)
 end

@@ -26,8 +26,24 @@ function texts.printable(text)
   end))
 end
 
+-- A text in quotes, printable, and cut where it is long.
+function texts.quoted(bytes)
+  local limit <const> = 80
+  if #bytes <= limit then return '"' .. texts.printable(bytes) .. '"' end
+  local edge = utf8.len(bytes) and utf8.offset(bytes, 0, limit) or limit
+  return '"' .. texts.printable(bytes:sub(1, edge - 1)) .. '"...'
+end
+
 -- How many columns a printable text takes, near enough: one a character.
 function texts.width(text) return utf8.len(text) or #text end
+
+-- The name of the constant with this value, or the number.
+function texts.constant(value)
+  for _, member in ipairs(host.members("RegExZRK")) do
+    if member.kind == "constant" and RegExZRK[member.name] == value then return member.name end
+  end
+  return tostring(value)
+end
 
 -- The pattern that the object could not compile, with a caret under the place and the reason.
 function texts.mistake(pattern, object)

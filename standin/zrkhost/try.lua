@@ -30,7 +30,9 @@ end
 -- A text is { name, bytes, subject }; bytes that are no UTF-8 are searched as they are, in a block.
 local function text_of(name, bytes, options)
   if options.encoding then
-    bytes = tostring(host.string(bytes, options.encoding))
+    local known, text = pcall(host.string, bytes, options.encoding)
+    if not known then return complain("%s", text) end
+    bytes = tostring(text)
   elseif options.bytes or not utf8.len(bytes) then
     return { name = name, bytes = bytes, subject = host.memoryblock(bytes), binary = true }
   end
@@ -64,13 +66,14 @@ local function first_search(re, text)
   return text.binary and re:ExecuteMemory(text.subject) or not text.binary and re:Execute(text.subject)
 end
 
--- On a terminal the search runs on another thread, and a task shows how far it is.
+-- On a terminal a task shows how far the search is, which runs on another thread for that.
 local function progress(text)
-  local state = { at = 0, count = 0, searching = true, shown = false }
+  local live = host.isatty("stderr")
+  local state = { at = 0, count = 0, live = live, searching = live, shown = false }
   local started, last = host.clock(), host.clock()
   function state.tick()
     local now = host.clock()
-    if now - last < 0.25 then return end
+    if not live or now - last < 0.25 then return end
     last, state.shown = now, true
     io.stderr:write(("\rsearching %s: %d %%, %d matches, %d s; Ctrl-C ends it "):format(
       text.name, 100 * state.at // math.max(1, #text.bytes), state.count, math.floor(now - started)))
@@ -79,14 +82,12 @@ local function progress(text)
     state.searching = false
     if state.shown then io.stderr:write("\r\27[K") end
   end
-  if host.isatty("stderr") then
-    host.task(function()
-      while state.searching do
-        state.tick()
-        host.yield()
-      end
-    end)
-  end
+  host.task(function()
+    while state.searching do
+      state.tick()
+      host.yield()
+    end
+  end)
   return state
 end
 
@@ -109,7 +110,7 @@ local threaded_matches <const> = 1000  -- a thread for each search costs little 
 local function search(re, text, options)
   local started = host.clock()
   local state = progress(text)
-  local threaded = host.isatty("stderr") and not options.limited
+  local threaded = state.live and not options.limited  -- another thread applies no limits
   local matches = {}
   local function run(start)
     state.at, state.count = start, #matches
@@ -118,7 +119,6 @@ local function search(re, text, options)
     if start > 0 then return re["Execute" .. suffix](re, start) end
     return re[(text.binary and "ExecuteMemory" or "Execute") .. suffix](re, text.subject)
   end
-  state.tick = host.isatty("stderr") and state.tick or function() end
   local start = 0
   while start <= #text.bytes and run(start) > 0 do
     matches[#matches + 1] = match_here(re, text.binary, not text.binary and options.replace)
@@ -153,25 +153,31 @@ local function fastest(re, text)
   return best
 end
 
--- Seconds as compiled and as studied; nothing is walked again that took long.
+local longest <const> = 1  -- what took longer, in seconds, is not walked again for its time
+
+-- Seconds as compiled and as studied.
 local function time(re, text)
   local plain = fastest(re, text)
-  if plain > 1 then return plain end
+  if plain > longest then return plain end
   re:Study()
   return plain, fastest(re, text)
 end
 
 -- ---- all of it ------------------------------------------------------------------------------
 
--- What is usual elsewhere finds something else here: say so once.
-local function greedy_hint(options, text, match)
+-- What a newcomer may have expected otherwise, said once: lazy quantifiers, and lines that end in CR LF.
+local function hint(options, text, match)
+  if not match then
+    local ends = options.pattern:find("$", 1, true) and text.bytes:find("\r\n", 1, true)
+    return ends and "Lines end in CR LF here: --newlineanycrlf lets $ match before it"
+  end
   if options.properties.CompileOptionUngreedy == false or text.binary then return end
   local greedy = RegExZRK()
   for name, value in pairs(options.properties) do greedy[name] = value end
   greedy.CompileOptionUngreedy, greedy.MatchLimit = false, 100000
   if not greedy:Compile(options.pattern) or greedy:Execute(text.subject) < 1 then return end
   if greedy:Offset(0) ~= match.first or greedy:Offset(1) == match.last then return end
-  return texts.printable(greedy:Substring(0))
+  return "Quantifiers are lazy here; with --greedy the first match is " .. texts.quoted(greedy:Substring(0))
 end
 
 local function all_texts(options)
@@ -179,16 +185,22 @@ local function all_texts(options)
   local all = {}
   for _, name in ipairs(#options.files > 0 and options.files or { "-" }) do
     local bytes = read(name)
-    if bytes then all[#all + 1] = text_of(name == "-" and "the input" or name, bytes, options) end
+    all[#all + 1] = bytes and text_of(name == "-" and "the input" or name, bytes, options)
   end
   return all
 end
 
-local function error_name(re, code)
-  for _, member in ipairs(host.members("RegExZRK")) do
-    if member.kind == "constant" and RegExZRK[member.name] == code then return member.name end
+-- What ReplaceAll makes of the text; the difference is shown match by match, and has to be the same.
+local function replace(re, text, matches, new_text)
+  text.replaced = re:ReplaceAll(text.subject, new_text)
+  local parts, at = {}, 0
+  for _, match in ipairs(matches) do
+    parts[#parts + 1] = text.bytes:sub(at + 1, match.first) .. match.new_text
+    at = match.last
   end
-  return tostring(code)
+  if table.concat(parts) .. text.bytes:sub(at + 1) ~= text.replaced then
+    complain("%s: ReplaceAll makes something else of it than is shown match by match: see --print", text.name)
+  end
 end
 
 local function try_text(options, text, show)
@@ -197,12 +209,12 @@ local function try_text(options, text, show)
     return complain("%s is not UTF-8, and only text can be replaced or read by a program: see --encoding", text.name)
   end
   local matches, code = search(re, text, options)
-  if code then complain("%s: the search ended with %s", text.name, error_name(re, code)) end
-  if options.replace and #matches > 0 then text.replaced = re:ReplaceAll(text.subject, options.replace) end
+  if code then complain("%s: the search ended with %s", text.name, texts.constant(code)) end
+  if options.replace and #matches > 0 and not code then replace(re, text, matches, options.replace) end
   show.text(text, matches)
   if show.summary and not code then
-    text.seconds, text.studied_seconds = time(re, text)
-    text.greedy = matches[1] and greedy_hint(options, text, matches[1])
+    if text.seconds < longest then text.seconds, text.studied_seconds = time(re, text) end
+    text.hint = hint(options, text, matches[1])
   end
   return #matches
 end
@@ -230,6 +242,7 @@ local function run(...)
 end
 
 return { run = function(...)
-  local status = run(...)
-  if status ~= 0 then os.exit(status) end
+  local done, status = xpcall(run, debug.traceback, ...)
+  if not done then complain("%s", status) end
+  if not done or status ~= 0 then os.exit(done and status or error_status) end
 end }

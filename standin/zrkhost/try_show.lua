@@ -123,15 +123,6 @@ end
 
 -- ---- what is known of a match ---------------------------------------------------------------
 
-local function quoted(bytes)
-  local limit <const> = 80
-  if #bytes > limit then
-    local edge = utf8.len(bytes) and utf8.offset(bytes, 0, limit) or limit
-    return '"' .. texts.printable(bytes:sub(1, edge - 1)) .. '"...'
-  end
-  return '"' .. texts.printable(bytes) .. '"'
-end
-
 local function part(text, from, to) return text.bytes:sub(from + 1, to) end
 
 local function details(text, match)
@@ -139,11 +130,11 @@ local function details(text, match)
   if match.first_character and (match.first_character ~= match.first or match.last_character ~= match.last) then
     place = ("%s (characters %d-%d)"):format(place, match.first_character, match.last_character)
   end
-  local words = { paint("dim", place), paint("match", quoted(part(text, match.first, match.last))) }
+  local words = { paint("dim", place), paint("match", texts.quoted(part(text, match.first, match.last))) }
   for _, group in ipairs(match.groups) do
     local name = group.name and group.number .. " " .. group.name or tostring(group.number)
     local colour = group_colours[(group.number - 1) % #group_colours + 1]
-    local value = group.first and paint(colour, quoted(part(text, group.first, group.last))) or paint("dim", "unset")
+    local value = group.first and paint(colour, texts.quoted(part(text, group.first, group.last))) or paint("dim", "unset")
     words[#words + 1] = name .. " " .. value
   end
   return "       " .. table.concat(words, "  ")
@@ -185,9 +176,7 @@ local function summary(all, count)
     bytes, seconds = bytes + #text.bytes, seconds + (text.seconds or 0)
     studied = studied and text.studied_seconds and studied + text.studied_seconds
     if text.binary then print(paint("dim", text.name .. " is not UTF-8: searched as bytes")) end
-    if text.greedy then
-      print(paint("dim", ("Quantifiers are lazy here; with --greedy the first match is %s"):format(quoted(text.greedy))))
-    end
+    if text.hint then print(paint("dim", text.hint)) end
   end
   print(paint("bold", ("%s in %s"):format(plural(count, "match"), plural(bytes, "byte"))) ..
     paint("dim", (", %s; %s"):format(duration(seconds), study_words(seconds, studied))))

@@ -4,6 +4,7 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 
 #include "regex/match_record.h"
@@ -42,6 +43,8 @@ REALstringStruct* RunReplace(RegExClassData& data, Body body) {
     if (result != nullptr) data.Lasterror = 0;
     return result;
   } catch (const std::bad_alloc&) {
+    return nullptr;
+  } catch (const std::length_error&) {  // in 32 bits a text can hold more groups than a vector
     return nullptr;
   }
 }

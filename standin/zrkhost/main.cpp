@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <exception>
 #include <lua.hpp>
+#include <string_view>
 
 #include "standin/zrkhost/options.h"
 #include "standin/zrkhost/program.h"
@@ -11,6 +12,15 @@
 namespace {
 
 using namespace standin::zrkhost;
+
+// Of the locale only the letters; numbers stay as programs write them. Where none is chosen, texts
+// are in UTF-8 all the same.
+void SetLocale() {
+  const char* const set = std::setlocale(LC_CTYPE, "");
+  if (!set || std::string_view(set) == "C" || std::string_view(set) == "POSIX") {
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+  }
+}
 
 int Run(const Options& options) {
   if (options.help) {
@@ -24,7 +34,7 @@ int Run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::setlocale(LC_CTYPE, "");  // numbers stay as programs write them
+  SetLocale();
   try {
     return Run(ParseOptions(argc, argv));
   } catch (const std::exception& error) {

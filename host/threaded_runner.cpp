@@ -75,7 +75,7 @@ void RunThreadedBlocks(void* record) {
 
 void RunOnQueue(const ThreadWork& work, const std::function<void()>& idle) {
   const auto done = std::make_shared<DoneFlag>(false);
-  auto run = std::make_unique<QueuedRun>(work, done);
+  auto run = std::make_unique<QueuedRun>(QueuedRun{work, done});
   dispatch_async_f(dispatch_get_global_queue(0, 0), run.release(), RunThreadedBlocks);
   const WaitForWorker wait{*done};
   KeepHostAliveUntilDone(*done, idle);

@@ -8,8 +8,10 @@
 #include <gtest/gtest.h>
 #include <link.h>
 #include <pcre.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -65,7 +67,8 @@ struct Allocations {
     return Fails();
   }
 
-  bool IsTheLibrarys(const void* caller) const {
+  // Its own function: the sanitizer allocates before arrays on the stack can be had.
+  [[gnu::noinline]] bool IsTheLibrarys(const void* caller) const {
     if (!runtime.Contains(caller)) return library.Contains(caller);
     void* frames[16];
     void** const end = frames + backtrace(frames, std::size(frames));
@@ -77,7 +80,16 @@ struct Allocations {
 };
 
 constinit Allocations allocations;
+// Whether the library's threads get nothing, whoever asks on them.
+constinit bool workers_get_nothing = false;
 constexpr int kNever = 1 << 20;
+
+bool Refuses(std::size_t size, const void* caller) {
+  const bool of_worker = workers_get_nothing && getpid() != gettid();
+  if (!of_worker && !allocations.FailsFor(caller, size)) return false;
+  errno = ENOMEM;
+  return true;
+}
 
 // Null where the chosen allocation is this one.
 void* Allocate(std::size_t size, const void* caller) {
@@ -110,11 +122,11 @@ void* OrThrow(void* memory) {
 [[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 extern "C" void* malloc(std::size_t size) {
-  if (allocations.FailsFor(__builtin_return_address(0), size)) return nullptr;
+  if (Refuses(size, __builtin_return_address(0))) return nullptr;
   return __interceptor_malloc != nullptr ? __interceptor_malloc(size) : __libc_malloc(size);
 }
 extern "C" void* calloc(std::size_t count, std::size_t size) {
-  if (allocations.FailsFor(__builtin_return_address(0), count * size)) return nullptr;
+  if (Refuses(count * size, __builtin_return_address(0))) return nullptr;
   return __interceptor_calloc != nullptr ? __interceptor_calloc(count, size)
                                          : __libc_calloc(count, size);
 }
@@ -262,6 +274,18 @@ TEST_F(AllocationFaults, ReachTheAdapterOfAKeptText) {
     EXPECT_TRUE(regex.Get("Text").IsNil());
   }
   EXPECT_EQ(regex.Call("Execute", subject).Integer(), 1);
+}
+
+// The C library ends the process where a thread's first use of some thread data finds no memory.
+TEST_F(AllocationFaults, OfEverythingOnAWorkerAreTheRecursionLimit) {
+  if (__interceptor_malloc != nullptr) GTEST_SKIP() << "sanitizers need memory there themselves";
+  const Object regex = session_.Compiled("b");
+  const tests::Values subject = {"abc"};
+  workers_get_nothing = true;
+  EXPECT_EQ(regex.Call("ExecuteMT", subject).Integer(), 0);
+  workers_get_nothing = false;
+  EXPECT_EQ(regex.Get("Lasterror").Integer(), -21);
+  EXPECT_EQ(regex.Call("ExecuteMT", subject).Integer(), 1);
 }
 
 // The record of matches is a help only: without memory for it they are searched again.

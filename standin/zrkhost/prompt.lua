@@ -7,8 +7,6 @@ local prompt = { complete = require "zrkhost.complete" }
 local entries = {}  -- by number, for the places of errors
 local failed        -- the object of this entry's last Compile, if that failed
 
--- ---- what is typed --------------------------------------------------------------------------
-
 -- As they are spelled in the host's language.
 True, False = true, false
 
@@ -44,8 +42,6 @@ function prompt.incomplete(text)
   if code or text:find("^%s*help%f[%W]") or text:find(":%s*[%a_][%w_]*%s*$") then return false end
   return message:find("<eof>$") ~= nil
 end
-
--- ---- errors ---------------------------------------------------------------------------------
 
 -- Where a line has what the message is about: for a syntax error the token at which the line stops
 -- making sense, otherwise the first quoted name.
@@ -89,8 +85,6 @@ local function report(text)
   io.stderr:write(text, "\n")
   draw(text)
 end
-
--- ---- running --------------------------------------------------------------------------------
 
 -- No property tells an object's pattern, so the prompt looks on when it is compiled.
 host.watch(function(object, method, result, pattern)

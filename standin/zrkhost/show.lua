@@ -4,6 +4,8 @@ local texts = require "zrkhost.texts"
 -- What each object was given to compile last, as { text = ..., compiled = ... }: no property tells.
 local patterns = setmetatable({}, { __mode = "k" })
 
+local function size(bytes) return bytes == 1 and "1 byte" or bytes .. " bytes" end
+
 local shapes = {}
 
 function shapes.RegExZRK(object)
@@ -22,11 +24,11 @@ shapes["memory block"] = function(block)
   local hex = {}
   local bytes = tostring(block)
   for index = 1, math.min(#bytes, 16) do hex[index] = ("%02x"):format(bytes:byte(index)) end
-  return ("memory block, %d byte%s: %s%s  %s"):format(
-    #bytes, #bytes == 1 and "" or "s", table.concat(hex, " "), #bytes > 16 and " ..." or "", texts.quoted(bytes))
+  local rest = #bytes > 16 and " ..." or ""
+  return ("memory block, %s: %s%s  %s"):format(size(#bytes), table.concat(hex, " "), rest, texts.quoted(bytes))
 end
 shapes["string"] = function(text)
-  return ("%s in %s, %d byte%s"):format(texts.quoted(tostring(text)), text:encoding(), #text, #text == 1 and "" or "s")
+  return ("%s in %s, %s"):format(texts.quoted(tostring(text)), text:encoding(), size(#text))
 end
 
 local show

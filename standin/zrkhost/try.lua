@@ -13,8 +13,6 @@ local function complain(message, ...)
   failed = true
 end
 
--- ---- texts ----------------------------------------------------------------------------------
-
 local function read(name)
   if name == "-" then
     if host.isatty("stdin") then io.stderr:write("Type the text; Ctrl-D ends it.\n") end
@@ -38,8 +36,6 @@ local function text_of(name, bytes, options)
   end
   return { name = name, bytes = bytes, subject = bytes, file = name ~= "the input" and not options.text }
 end
-
--- ---- searching ------------------------------------------------------------------------------
 
 -- A compiled object with room for all groups, or nil and where the pattern is wrong.
 local function compile(options, binary)
@@ -93,7 +89,9 @@ end
 
 local function match_here(re, binary, new_text)
   local match = { first = re:Offset(0), last = re:Offset(1), groups = {} }
-  if not binary then match.first_character, match.last_character = re:OffsetCharacters(0), re:OffsetCharacters(1) end
+  if not binary then
+    match.first_character, match.last_character = re:OffsetCharacters(0), re:OffsetCharacters(1)
+  end
   for number = 1, re.InfoCaptureCount do
     local set = number < re.Count and re:Offset(2 * number) >= 0
     local name = re:InfoNameEntry(number)
@@ -130,8 +128,6 @@ local function search(re, text, options)
   return matches, not ended and re.Lasterror
 end
 
--- ---- timing ---------------------------------------------------------------------------------
-
 local function walk(re, text)
   local started = host.clock()
   local found = first_search(re, text)
@@ -162,8 +158,6 @@ local function time(re, text)
   re:Study()
   return plain, fastest(re, text)
 end
-
--- ---- all of it ------------------------------------------------------------------------------
 
 -- What a newcomer may have expected otherwise, said once: lazy quantifiers, and lines that end in CR LF.
 local function hint(options, text, match)
@@ -206,7 +200,8 @@ end
 local function try_text(options, text, show)
   local re = assert(compile(options, text.binary))
   if text.binary and (options.replace or options.code) then
-    return complain("%s is not UTF-8, and only text can be replaced or read by a program: see --encoding", text.name)
+    local reason <const> = "%s is not UTF-8, and only text can be replaced or read by a program: see --encoding"
+    return complain(reason, text.name)
   end
   local matches, code = search(re, text, options)
   if code then complain("%s: the search ended with %s", text.name, texts.constant(code)) end

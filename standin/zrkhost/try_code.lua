@@ -76,7 +76,11 @@ local function program(options, text, matches)
   append(text_lines(text, options))
   append { ("If Not re.Compile(%s) Then"):format(literal(options.pattern)),
     '  MsgBox re.ErrorMessage + " at byte " + Str(re.ErrorOffset)', "Else" }
-  append_indented(options.replace and { ("MsgBox re.ReplaceAll(text, %s)"):format(literal(options.replace)) } or walk_lines(matches))
+  if options.replace then
+    append_indented { ("MsgBox re.ReplaceAll(text, %s)"):format(literal(options.replace)) }
+  else
+    append_indented(walk_lines(matches))
+  end
   append { "End If" }
   return table.concat(lines, "\n")
 end

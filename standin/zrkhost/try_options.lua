@@ -64,7 +64,9 @@ local function set_property(parsed, word, value)
     parsed.properties[member.name] = property(word) ~= nil
     return not value, ("--%s takes no value"):format(word)
   end
-  if not math.tointeger(tonumber(value)) then return nil, ("--%s takes a number, as --%s=1000"):format(word, word) end
+  if not math.tointeger(tonumber(value)) then
+    return nil, ("--%s takes a number, as --%s=1000"):format(word, word)
+  end
   parsed.properties[member.name] = math.tointeger(tonumber(value))
   parsed.limited = true
   return true
@@ -111,9 +113,13 @@ function options.parse(list)
       parsed.pattern = table.remove(list, 1)
     end
   end
-  if not parsed.pattern and not parsed.help then return nil, "a pattern is needed: zrkhost try PATTERN [FILE...]" end
+  if not parsed.pattern and not parsed.help then
+    return nil, "a pattern is needed: zrkhost try PATTERN [FILE...]"
+  end
   if parsed.print and not parsed.replace then return nil, "--print needs --replace" end
-  if not ({ always = 1, never = 1, auto = 1 })[parsed.color] then return nil, "--color takes always, never or auto" end
+  if not ({ always = 1, never = 1, auto = 1 })[parsed.color] then
+    return nil, "--color takes always, never or auto"
+  end
   return parsed
 end
 

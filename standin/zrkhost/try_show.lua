@@ -17,9 +17,10 @@ local function painter(options)
   end, wanted
 end
 
-local function plural(count, word) return ("%d %s%s"):format(count, word, count == 1 and "" or word:find("h$") and "es" or "s") end
-
--- ---- a stretch of lines with matches --------------------------------------------------------
+local function plural(count, word)
+  local ending = word:find("h$") and "es" or "s"
+  return ("%d %s%s"):format(count, word, count == 1 and "" or ending)
+end
 
 -- The matches that share lines, with the bytes (from 0, behind the last) and number of those lines.
 local function stretches(text, matches)
@@ -83,7 +84,9 @@ local function pieces_of(text, stretch, write_match)
     for _, piece in ipairs(write_match(match)) do pieces[#pieces + 1] = piece end
     at = match.last
   end
-  if at < stretch.last then pieces[#pieces + 1] = { shortened(text.bytes:sub(at + 1, stretch.last), true, false) } end
+  if at < stretch.last then
+    pieces[#pieces + 1] = { shortened(text.bytes:sub(at + 1, stretch.last), true, false) }
+  end
   return pieces
 end
 
@@ -121,8 +124,6 @@ local function print_pieces(pieces, number, sign)
   if #line > 0 then print_line(number, sign, line) end
 end
 
--- ---- what is known of a match ---------------------------------------------------------------
-
 local function part(text, from, to) return text.bytes:sub(from + 1, to) end
 
 local function details(text, match)
@@ -134,8 +135,8 @@ local function details(text, match)
   for _, group in ipairs(match.groups) do
     local name = group.name and group.number .. " " .. group.name or tostring(group.number)
     local colour = group_colours[(group.number - 1) % #group_colours + 1]
-    local value = group.first and paint(colour, texts.quoted(part(text, group.first, group.last))) or paint("dim", "unset")
-    words[#words + 1] = name .. " " .. value
+    local value = group.first and texts.quoted(part(text, group.first, group.last))
+    words[#words + 1] = name .. " " .. (value and paint(colour, value) or paint("dim", "unset"))
   end
   return "       " .. table.concat(words, "  ")
 end
@@ -155,8 +156,6 @@ local function show_difference(text, matches)
     print_pieces(pieces_of(text, stretch, new), stretch.line, "+")
   end
 end
-
--- ---- the ways to show -----------------------------------------------------------------------
 
 local function duration(seconds)
   if seconds < 0.001 then return ("%.0f us"):format(seconds * 1e6) end

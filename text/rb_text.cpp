@@ -15,7 +15,8 @@ namespace zrk {
 
 namespace {
 
-constexpr std::string_view kEmptyText = "";
+constexpr char kZeros[4] = {};
+constexpr std::string_view kEmptyText(kZeros, 0);  // ends with a zero byte, as every text here
 
 // Room for the zero bytes behind a copied text.
 constexpr std::size_t kTerminatorBytes = 4;

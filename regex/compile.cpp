@@ -97,7 +97,7 @@ HostBoolean rb_pcre_compileM(RegExClassData& data, REALmemoryBlockStruct* patter
     return false;
   }
   const std::string_view text = bytes.substr(static_cast<std::size_t>(ByteOffset));
-  if (text.find('\0') != std::string_view::npos) return CompileText(data, text.data());
+  if (std::ranges::find(text, '\0') != text.end()) return CompileText(data, text.data());
   return CompileText(data, std::string(text).c_str());
 }
 

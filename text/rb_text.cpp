@@ -16,7 +16,7 @@ namespace zrk {
 namespace {
 
 constexpr char kZeros[4] = {};
-constexpr std::string_view kEmptyText(kZeros, 0);  // ends with a zero byte, as every text here
+constexpr std::string_view kEmptyText(kZeros);  // ends with a zero byte, as every text here
 
 // Room for the zero bytes behind a copied text.
 constexpr std::size_t kTerminatorBytes = 4;

@@ -87,9 +87,7 @@ void Extend(Stack& stack, std::uintptr_t here) {
 }
 
 // Looking up reads the process map for the main thread, so each thread does it once.
-// It lies in memory that each thread is made with: the C library would get other thread data when a
-// thread first uses it, and ends the process where it finds no memory then.
-[[gnu::tls_model("initial-exec")]] thread_local constinit Stack stack_of_thread;
+thread_local constinit Stack stack_of_thread;
 
 // The same of the main thread, whose stack lives as long as the process: an address in it tells
 // whose it is. That saves a search 3 ns, the price of a look at the thread's data.

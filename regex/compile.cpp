@@ -17,9 +17,13 @@ namespace zrk {
 
 namespace {
 
-// The engine's messages are ASCII and not translated.
-REALstringStruct* BuildMessage(const char* message) {
-  return message != nullptr ? REALBuildUnicodeString(message, kEncodingASCII) : nullptr;
+// Puts the engine's message, or none, in place of what is there: ASCII, and not translated.
+void StoreMessage(RegExClassData& data, const char* message) {
+  auto built = StringReference::Adopt(
+      message != nullptr ? REALBuildUnicodeString(message, kEncodingASCII) : nullptr);
+  Released earlier;
+  ClearErrorMessage(data, earlier);
+  data.ErrorMessage = built.Take();
 }
 
 // What a compile forgets first, whatever comes of it.
@@ -65,13 +69,15 @@ HostBoolean CompileText(RegExClassData& data, const char* pattern) {
   const char* error_text = nullptr;
   int error_offset = 0;
   const int options = OptionsFor(data, pattern);
+  ClearPattern(data);  // reading the pattern may have run the program, which may have compiled one
   RunWithStack(std::string_view(pattern).size(), [&] {
     data.Handle = pcre_compile2(pattern, options, &error_code, &error_text, &error_offset, nullptr);
   });
+  const bool compiled = data.Handle != nullptr;
   data.CompileErrorCode = error_code;
-  data.ErrorMessage = BuildMessage(error_text);
+  StoreMessage(data, error_text);
   data.ErrorOffset = error_offset;
-  return data.Handle != nullptr;
+  return compiled;
 }
 
 }  // namespace
@@ -113,7 +119,7 @@ HostBoolean rb_pcre_study(RegExClassData& data) {
   RunWithStack(compiled_bytes, [&] { study = pcre_study(data.Handle, 0, &error_text); });
   if (data.StudyExtra != nullptr) pcre_free_study(data.StudyExtra);
   data.StudyExtra = study;
-  data.ErrorMessage = BuildMessage(error_text);
+  StoreMessage(data, error_text);
   return error_text == nullptr || study != nullptr;
 }
 

@@ -77,8 +77,9 @@ class ResultArray {
 // Runs the engine over a text that is not kept and answers its result.
 int Search(RegExClassData& data, REALstringStruct* string) {
   rbText text(string);
+  SubjectBytes& subject = text.UTF8Subject();
   EngineCall call = PrepareCall(data);
-  SetSubject(call, &text.UTF8Subject(), 0);
+  SetSubject(call, &subject, 0);
   return RunEngine(call);
 }
 

@@ -64,9 +64,9 @@ std::optional<Surroundings> Around(const MatchResult& match) {
 }
 
 // The text for the object's last match, up to its first NUL byte.
-REALstringStruct* BuildReplacement(const MatchResult& match, rbText& new_text,
+REALstringStruct* BuildReplacement(const MatchResult& match, std::string_view new_text,
                                    const Surroundings& around) {
-  const Replacement replacement(new_text.UTF8(), match.pairs - 1);
+  const Replacement replacement(new_text, match.pairs - 1);
   const auto length = static_cast<std::int64_t>(around.before.size() + around.after.size());
   const Buffer buffer = MakeBuffer(length + replacement.LengthFor(match));
   if (buffer == nullptr) return nullptr;
@@ -83,6 +83,7 @@ REALstringStruct* ReplaceMatch(RegExClassData& data, REALstringStruct* new_text,
                                bool selection_only) {
   return RunReplace(data, [&]() -> REALstringStruct* {
     rbText text(new_text);
+    const std::string_view bytes = text.UTF8();
     if (data.Count < 1) {
       data.Lasterror = 0;
       return nullptr;
@@ -90,7 +91,7 @@ REALstringStruct* ReplaceMatch(RegExClassData& data, REALstringStruct* new_text,
     const Released lost = ClearLostSubject(data);
     const MatchResult match = LastMatch(data);
     const auto around = selection_only ? Surroundings{} : Around(match);
-    return around ? BuildReplacement(match, text, *around) : nullptr;
+    return around ? BuildReplacement(match, bytes, *around) : nullptr;
   });
 }
 

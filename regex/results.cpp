@@ -107,9 +107,10 @@ REALstringStruct* rb_pcre_get_substringI(RegExClassData& data, HostInteger index
 
 REALstringStruct* rb_pcre_get_substringN(RegExClassData& data, REALstringStruct* name) {
   if (!BeginSubstring(data)) return nullptr;
-  const Released lost = ClearLostSubject(data);
   rbText text(name);
-  const int group = FindGroup(data, text.UTF8().data());
+  const char* const bytes = text.UTF8().data();
+  const Released lost = ClearLostSubject(data);
+  const int group = FindGroup(data, bytes);
   if (group >= 0) return BuildSubstring(data, group);
   data.Lasterror = group;
   return nullptr;

@@ -17,6 +17,12 @@ void PointAt(RegExClassData& data, std::string_view bytes) {
   data.TextLength = static_cast<std::int32_t>(bytes.size());
 }
 
+// Reading what the host holds may run the program as well, and that may have kept a subject since.
+Released ClearKeptMeanwhile(RegExClassData& data) {
+  if (data.TextAdapter == nullptr && data.MemoryAdapter == nullptr) return {};
+  return ClearText(data);
+}
+
 }  // namespace
 
 Released ClearText(RegExClassData& data) {
@@ -41,14 +47,20 @@ void ClearErrorMessage(RegExClassData& data, Released& released) {
 // The adapter holds a reference of its own, and the one in Text is what the script sees: both are
 // part of what the host expects.
 void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier) {
+  std::unique_ptr<rbText> adapter;
+  StringReference kept;
   if (text != nullptr && text == earlier.text.get() && earlier.text_adapter->StillReads(text)) {
-    data.TextAdapter = earlier.text_adapter.release();
-    data.Text = earlier.text.Take();
+    adapter = std::move(earlier.text_adapter);
+    kept = std::move(earlier.text);
   } else {
-    data.TextAdapter = std::make_unique<rbText>(text).release();
-    data.Text = StringReference::Share(text).Take();
+    adapter = std::make_unique<rbText>(text);
+    kept = StringReference::Share(text);
   }
-  PointAt(data, data.TextAdapter->UTF8());
+  const std::string_view bytes = adapter->UTF8();
+  const Released meanwhile = ClearKeptMeanwhile(data);
+  PointAt(data, bytes);
+  data.TextAdapter = adapter.release();
+  data.Text = kept.Take();
 }
 
 // A block without memory is kept as well: the engine answers for it that there is no subject.
@@ -62,9 +74,11 @@ bool KeepMemory(RegExClassData& data, REALmemoryBlockStruct* block, std::int32_t
     return false;
   }
   adapter->SelectSubject(static_cast<std::size_t>(length >= 1 ? length : size));
+  auto kept = BlockReference::Share(block);
+  const Released meanwhile = ClearKeptMeanwhile(data);
   PointAt(data, adapter->subject().bytes());
   data.MemoryAdapter = adapter.release();
-  data.TextMemory = BlockReference::Share(block).Take();
+  data.TextMemory = kept.Take();
   return true;
 }
 

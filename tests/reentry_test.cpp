@@ -1,10 +1,11 @@
-// Giving back a last reference may run the program, in a destructor, and the program may use the
-// very object whose method is at work. Whatever it does there, the object has one subject
-// afterwards, and every reference is given back once.
+// Giving back a last reference may run the program, in a destructor, as may a host that converts a
+// text, and the program may use the very object whose method is at work. Whatever it does there,
+// the object has one subject afterwards, and every reference is given back once.
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "tests/calls.h"
 #include "tests/session.h"
@@ -31,43 +32,51 @@ const Inner kInner[] = {
     {"study", [](auto&, const Object& regex) { regex.TryCall("Study"); }},
 };
 
+// Where a host runs the program.
+const std::vector<const char*> kServices[] = {{"REALUnlockObject", "REALUnlockString"},
+                                              {"REALGetStringEncoding"},
+                                              {"PluginGetStringData"},
+                                              {"REALSetStringEncoding"}};
+
 // The subject that is given back: a block that the call moved away from, an ASCII or another text.
 Value SubjectOf(standin::Host& host, int kind) {
   if (kind == 0) return host.MemoryBlock("abc b");
   return host.String(kind == 1 ? "abc b" : "ab\xC3\xA9 b");
 }
 
-// At the n-th reference given back during a call, the destructor runs.
+// At the n-th call of such a service that the method makes, the program runs.
+void RunWithin(Session& session, const Inner& inner, const CallRow& row,
+               const std::vector<const char*>& services, int kind, int at) {
+  Object regex = Prepared(session);
+  regex.Call(kind == 0 ? "ExecuteMemory" : "Execute", {SubjectOf(session.host, kind)});
+  const Values arguments = row.arguments(session.host);
+  int calls = 0;
+  bool within = false;
+  const standin::Fault run_program{.before = [&] {
+    if (within || ++calls != at) return;
+    within = true;
+    inner.use(session.host, regex);
+    within = false;
+  }};
+  for (const char* service : services) session.host.SetFault(service, run_program);
+  regex.TryCall(row.method, arguments);
+  for (const char* service : services) session.host.SetFault(service, {});
+  EXPECT_TRUE(regex.Get("Text").IsNil() || regex.Get("TextMemory").IsNil());
+  Prepare(regex);
+  EXPECT_EQ(regex.Call("Substring", {0}).UTF8(), "bc");
+}
+
 TEST(Reentry, LeavesOneSubjectAndNothingLost) {
   Session session;
   for (const Inner& inner : kInner) {
     for (const CallRow& row : CallRows()) {
-      for (int kind = 0; kind < 3; ++kind) {
-        for (int at = 1; at <= 4; ++at) {
-          SCOPED_TRACE(testing::Message() << inner.label << " in " << row.label << ", subject "
-                                          << kind << ", reference " << at);
-          Object regex = Prepared(session);
-          const char* const method = kind == 0 ? "ExecuteMemory" : "Execute";
-          regex.Call(method, {SubjectOf(session.host, kind)});
-          const Values arguments = row.arguments(session.host);
-          int given_back = 0;
-          bool within = false;
-          const standin::Fault run_program{.before = [&] {
-            if (within || ++given_back != at) return;
-            within = true;
-            inner.use(session.host, regex);
-            within = false;
-          }};
-          for (const char* service : {"REALUnlockObject", "REALUnlockString"}) {
-            session.host.SetFault(service, run_program);
+      for (const auto& services : kServices) {
+        for (int kind = 0; kind < 3; ++kind) {
+          for (int at = 1; at <= 4; ++at) {
+            SCOPED_TRACE(testing::Message() << inner.label << " in " << row.label << ", subject "
+                                            << kind << ", " << services[0] << " call " << at);
+            RunWithin(session, inner, row, services, kind, at);
           }
-          regex.TryCall(row.method, arguments);
-          for (const char* service : {"REALUnlockObject", "REALUnlockString"}) {
-            session.host.SetFault(service, {});
-          }
-          EXPECT_TRUE(regex.Get("Text").IsNil() || regex.Get("TextMemory").IsNil());
-          Prepare(regex);
-          EXPECT_EQ(regex.Call("Substring", {0}).UTF8(), "bc");
         }
       }
     }

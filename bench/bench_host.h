@@ -132,6 +132,7 @@ class RegEx {
   const Method<HostInteger(HostInteger)> offset{object_, "Offset(index as Integer) as integer"};
   const Method<HostInteger(HostInteger)> offset_characters{object_, "OffsetCharacters(index as Integer) as integer"};
   const Method<Text(HostInteger)> substring{object_, "Substring(index as integer) as string"};
+  const Method<Text(Text)> substring_named{object_, "Substring(name as string) as string"};
   const Method<Text(Text, Text)> replace_all{object_, "ReplaceAll(Target as string, NewText as string = \"\") as string"};
   const Method<HostBoolean(Text)> match{object_, "Match(text as string) as boolean"};
   const Method<Texts(Texts, HostBoolean)> filter{object_, "Match(text() as string, inverse as boolean = false) as string()"};

@@ -18,6 +18,7 @@ constexpr Replaced kReplaced[] = {
     {"pairs", "(\\w+)\\s*=>\\s*(\\w+)", "\\2 <= \\1"},
     {"capitals", "([A-Z])([a-z]+)", "\\2\\1"},
     {"words", "(\\w+) (\\w+)", "\\2 \\1"},
+    {"each_word", "\\w+", "[\\0]"},
     {"delete", "[A-Z][a-z]+ [A-Z][a-z]+", ""},
 };
 
@@ -68,6 +69,30 @@ Row MakeRow(const Replaced& replaced) {
           })};
 }
 
+// Twenty bytes with one match or none. The binding replaces in a copy, which is part of its work.
+Row Short(const char* pattern) {
+  static const String kTarget("to be, or not to be:");
+  static const String kReplacement("[\\0]");
+  const int calls = Times(1'000'000);
+  const auto with_class = [=](const char* name, int options) {
+    return Repeated(name, calls, [regex = std::make_shared<RegEx>(pattern, options)] {
+      return String::Adopt(regex->replace_all(kTarget.get(), kReplacement.get())).length();
+    });
+  };
+  const auto in_copy = [=](const char* name, auto replace) {
+    return Repeated(name, calls, [replace] {
+      std::string text(kTarget.view());
+      replace(&text);
+      return static_cast<std::int64_t>(text.size());
+    });
+  };
+  const auto engines = std::make_shared<Engines>(pattern);
+  return {
+      with_class("zrk", kCompileOptions), with_class("zrk_bytes", 0),
+      in_copy("pcrecpp", [=](std::string* text) { engines->binding.GlobalReplace("[\\0]", text); }),
+      in_copy("re2", [=](std::string* text) { RE2::GlobalReplace(text, engines->re2, "[\\0]"); })};
+}
+
 }  // namespace
 
 void AddReplaceRows() {
@@ -75,6 +100,8 @@ void AddReplaceRows() {
     AddRow(std::string("replace/") + replaced.name,
            [&replaced] { return InTurns(4, MakeRow(replaced)); });
   }
+  AddRow("replace/short", [] { return Short("not"); });
+  AddRow("replace/short_none", [] { return Short("\\d+"); });
 }
 
 }  // namespace bench

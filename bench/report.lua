@@ -159,11 +159,11 @@ plot $data using 2:xtic(1) title 'RegExZRK' linecolor '#1f77b4', \
 local function ratio(counters, who) return counters[who] / counters.bare end
 local function beyond(counters, who) return counters[who] - counters.bare end
 
-draw("walk", cases("walk/", { "literal", "caseless", "alternatives", "address", "capitals", "groups", "words", "letters" }, ratio),
+draw("walk", cases("walk/", { "literal", "caseless", "alternatives", "address", "capitals", "groups", "words", "letters", "short" }, ratio),
      "set title 'Walking all matches of 10 MB: time by the bare engine loop'\n" .. bars:format ", 1 title 'bare loop' linecolor 'black'")
-draw("replace", cases("replace/", { "pairs", "capitals", "words", "delete" }, ratio),
+draw("replace", cases("replace/", { "pairs", "capitals", "words", "each_word", "delete" }, ratio),
      "set title 'Replacing all matches in 10 MB: time by one bare pass'\n" .. bars:format ", 1 title 'bare pass' linecolor 'black'")
-draw("calls", cases("call/", { "no_match", "substrings", "lines" }, beyond),
+draw("calls", cases("call/", { "no_match", "substrings", "lines_ascii", "lines_mixed" }, beyond),
      "set title 'One call: nanoseconds beyond the bare engine call'\n" .. bars:format "")
 
 local growth = {}

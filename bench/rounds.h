@@ -79,7 +79,7 @@ Contender Repeated(std::string name, std::int64_t times, Work work, int turns = 
   return {.name = std::move(name),
           .units = static_cast<double>(times),
           .work =
-              [times, work] {
+              [times, work]() mutable {
                 std::int64_t found = 0;
                 for (std::int64_t i = 0; i < times; ++i) found += work();
                 return found;

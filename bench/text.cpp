@@ -73,6 +73,26 @@ Row CharactersWhileWalking() {
           {"zrk", bytes, [=, &text] { return WalkCharacters(*regex, text); }}};
 }
 
+// Matches found first, then asked for from the last one to the first: a unit is a call.
+Row CharactersOutOfOrder() {
+  const String& text = Text("mixed", UsualSize());
+  const auto regex = std::make_shared<RegEx>(kFewMatches);
+  std::vector<int> starts;
+  for (int at = 0; (at = NextMatch(*regex, text.get(), at)) >= 0;)
+    starts.push_back(regex->offset(0));
+  const auto each = [&](const char* name, auto ask) {
+    return Contender{name, static_cast<double>(starts.size()), [=, &text] {
+                       regex->execute(text.get(), 0);
+                       for (auto start = starts.rbegin(); start != starts.rend(); ++start) {
+                         regex->execute_again(*start);
+                         ask();
+                       }
+                       return kNothingFound;
+                     }};
+  };
+  return {each("without", [] {}), each("zrk", [=] { regex->offset_characters(0); })};
+}
+
 // Both calls keep a new subject and match at its end, where the engine has nothing to do. A pattern
 // that is not UTF-8 needs no scan, so that the difference is the scan's.
 Row UnsafeBytes(std::string_view kind) {
@@ -112,6 +132,7 @@ void AddTextRows() {
     AddRow("text/unsafe_" + kind, [kind] { return InTurns(kTurns, UnsafeBytes(kind)); });
   }
   AddRow("text/characters_walking", [] { return InTurns(kTurns, CharactersWhileWalking()); });
+  AddRow("text/characters_out_of_order", CharactersOutOfOrder);
   AddRow("text/unsafe_again", UnsafeBytesAgain);
 }
 

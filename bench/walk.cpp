@@ -25,6 +25,7 @@ constexpr Walked kWalked[] = {
     {"groups", "(\\w+)\\s*=>\\s*(\\w+)", kASCII},
     {"words", "\\w+", kASCII},
     {"letters", "\\p{Lu}\\p{L}+", "mixed"},
+    {"short", "\\p{L}+", "mixed"},
 };
 
 // A walk in parts. `next` answers where the match found from a byte offset on ends, or -1.
@@ -66,12 +67,36 @@ Row MakeRow(const Walked& walked) {
   return row;
 }
 
+// Programs that name the text again at every step, as a string or as a block, beside one that names
+// it once.
+Row NamedAgain() {
+  const String& text = Text("mixed", UsualSize());
+  const auto engines = std::make_shared<Engines>("Linux");
+  const auto block = std::make_shared<MemoryBlock>(text);
+  const auto end = [](const RegEx& regex, int found) { return found > 0 ? regex.offset(1) : -1; };
+  return {Walking("bare", text,
+                  [=, &text](int start) {
+                    Bare& bare = engines->bare;
+                    return bare.Exec(text.view(), start) > 0 ? bare.vector[1] : -1;
+                  }),
+          Walking("once", text,
+                  [=, &text](int start) { return NextMatch(engines->regex, text.get(), start); }),
+          Walking("string", text,
+                  [=, &text, regex = std::make_shared<RegEx>("Linux")](int start) {
+                    return end(*regex, regex->execute(text.get(), start));
+                  }),
+          Walking("block", text, [=, regex = std::make_shared<RegEx>("Linux")](int start) {
+            return end(*regex, regex->execute_memory(block->handle(), start, 0));
+          })};
+}
+
 }  // namespace
 
 void AddWalkRows() {
   for (const Walked& walked : kWalked) {
     AddRow(std::string("walk/") + walked.name, [&walked] { return InTurns(4, MakeRow(walked)); });
   }
+  AddRow("walk/named_again", NamedAgain);
 }
 
 }  // namespace bench

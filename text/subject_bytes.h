@@ -7,6 +7,7 @@
 #define ZRK_TEXT_SUBJECT_BYTES_H
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -37,12 +38,14 @@ class SubjectBytes {
   bool AreKnownSafe() const { return safety_ == Safety::kASCII || safety_ == Safety::kSafe; }
 
   // The number of characters that begin before a byte offset, which is at most the bytes' number.
+  // The first call counts up to there, later ones from a place nearby.
   std::size_t CharactersBefore(std::size_t offset);
 
  private:
   enum class Safety : unsigned char { kUnknown, kASCII, kSafe, kCopied };
 
   std::string_view FindSafeBytes();
+  CharacterPosition LastKnown(std::size_t offset) const;
 
   std::string_view bytes_;
   Safety safety_ = Safety::kUnknown;
@@ -50,6 +53,9 @@ class SubjectBytes {
   std::vector<char> safe_copy_;
   // The last two places asked for: scripts ask for the start and the end of a match in any order.
   CharacterPosition counted_[2];
+  // Places that lie a fixed distance apart, for scripts that jump.
+  std::unique_ptr<CharacterPosition[]> marks_;
+  std::size_t mark_count_ = 0;
 };
 
 }  // namespace zrk

@@ -54,10 +54,20 @@ unsigned char LargestOfBlock(const unsigned char* block) {
   return largest;
 }
 
-bool IsASCIIWord(const unsigned char* bytes) {
+std::uint64_t WordAt(const unsigned char* bytes) {
   std::uint64_t word;
   std::memcpy(&word, bytes, sizeof word);
-  return (word & kHighBits) == 0;
+  return word;
+}
+
+bool IsASCIIWord(const unsigned char* bytes) { return (WordAt(bytes) & kHighBits) == 0; }
+
+// Whether all bytes of a word are below kLastSafeLead: what is added to the low seven bits of each
+// carries into the eighth from there on.
+bool IsBelowLastLead(const unsigned char* bytes) {
+  constexpr std::uint64_t kCarry = kHighBits / 0x80 * (0x100 - kLastSafeLead);
+  const std::uint64_t word = WordAt(bytes);
+  return (((word & ~kHighBits) + kCarry) & word & kHighBits) == 0;
 }
 
 // How far a character that begins in the block's last bytes reaches past its end.
@@ -115,13 +125,22 @@ std::size_t LeadingRun(const unsigned char* bytes, std::size_t length) {
 
 // The first unsafe byte at or after `at`, which lies behind the leading run; `length` if none is.
 std::size_t FindUnsafe(const unsigned char* bytes, std::size_t length, std::size_t at) {
-  constexpr std::size_t kLongestTail = 3;
+  // What a byte before the last three announces is not cut off.
+  const std::size_t tail = length - std::min(length, kReach);
   while (at < length) {
-    if (at + kBlock + kLongestTail <= length && LargestOfBlock(bytes + at) < kLastSafeLead) {
+    if (at + kBlock <= tail && LargestOfBlock(bytes + at) < kLastSafeLead) {
       at += kBlock;
       continue;
     }
-    for (const std::size_t end = std::min(at + kBlock, length); at < end; ++at) {
+    if (at < tail && tail >= kWordBytes) {
+      // The last one reaches back over bytes that were looked at.
+      const std::size_t word = std::min(at, tail - kWordBytes);
+      if (IsBelowLastLead(bytes + word)) {
+        at = word + kWordBytes;
+        continue;
+      }
+    }
+    for (const std::size_t end = std::min(at + kWordBytes, length); at < end; ++at) {
       if (IsUnsafeAt(bytes, length, at)) return at;
     }
   }

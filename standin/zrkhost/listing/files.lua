@@ -9,7 +9,7 @@ types.class "TextInputStream"
 types.class("IOException", "RuntimeException")
 
 row("FolderItem.PathTypeShell As Integer", function() return 3 end, nil, {static = true, property = true})
-row("GetFolderItem(path As String, pathType As Integer) As FolderItem", function(path)
+row("GetFolderItem(path As String, pathType As Integer = 0) As FolderItem", function(path)
   return {class = "FolderItem", path = text.bytes(path)}
 end)
 row("TextInputStream.Open(file As FolderItem) As TextInputStream", function(item)

@@ -8,8 +8,8 @@ namespace zrk {
 
 namespace {
 
-// Numbers are stored low bits first, seven to a byte, the high bit set on all bytes but the last;
-// the sign goes into the lowest bit, so that small negative numbers are short as well.
+// Zigzag varints: seven bits to a byte, low ones first, the high bit set on all bytes but the last.
+// The sign goes into the lowest bit, so that small negative numbers are short as well.
 constexpr std::size_t kLongestNumber = 5;
 constexpr std::uint32_t kMore = 0x80;
 
@@ -59,11 +59,6 @@ bool MatchRecord::MakeRoom(std::size_t more) {
   heap_ = std::move(larger);
   capacity_ = capacity;
   return true;
-}
-
-MatchRecord::Reader::Reader(const MatchRecord& record) : record_(record), at_(record.bytes()) {
-  std::fill(std::begin(vector_), std::end(vector_), -1);
-  vector_[1] = 0;
 }
 
 bool MatchRecord::Reader::Next() {

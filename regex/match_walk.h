@@ -23,7 +23,8 @@ class MatchWalk {
   // when the last match reached the text's end.
   bool Next();
 
-  // The match that Next found, over the text's own bytes.
+  // The match that Next found, over the text's own bytes. Groups that the pattern does not have
+  // must not be read: their pairs were never written.
   MatchResult match() const { return {bytes_, call_.length, vector_, PairsOf(kVectorSize)}; }
 
   // Engine calls made and matches found so far.
@@ -41,7 +42,7 @@ class MatchWalk {
   std::int32_t calls_ = 0;
   std::int32_t matches_ = 0;
   bool at_end_ = false;
-  std::int32_t vector_[kVectorSize] = {};
+  std::int32_t vector_[kVectorSize];
 };
 
 }  // namespace zrk

@@ -129,17 +129,24 @@ class Builder {
   std::int32_t copied_ = 0;
 };
 
-// The sizing pass: adds up what the matches need and records them. Where the record ends,
-// `unrecorded` takes a copy of the walk as it stands at the first match left out. Stops where no
-// host string holds that much, before the sum leaves its type.
+// The sizing pass, from the match on that the walk has found: adds up what the matches need and
+// records them. Where the record ends, `unrecorded` takes a copy of the walk as it stands at the
+// first match left out. Stops where no host string holds that much, before the sum leaves its type.
 std::int64_t MeasureMatches(MatchWalk& walk, const Replacement& replacement, MatchRecord& record,
                             std::optional<MatchWalk>& unrecorded) {
   std::int64_t size = 0;
-  while (size <= INT32_MAX && walk.Next()) {
+  do {
     size += replacement.LengthFor(walk.match());
     if (!unrecorded && !record.Add(walk.match())) unrecorded = walk;
-  }
+  } while (size <= INT32_MAX && walk.Next());
   return size;
+}
+
+// How many groups the pattern has besides group 0.
+std::int32_t GroupsOf(const RegExClassData& data) {
+  int groups = 0;
+  pcre_fullinfo(data.Handle, nullptr, PCRE_INFO_CAPTURECOUNT, &groups);
+  return groups;
 }
 
 REALstringStruct* DeleteMatches(RegExClassData& data, rbText& target) {
@@ -155,8 +162,12 @@ REALstringStruct* DeleteMatches(RegExClassData& data, rbText& target) {
 
 REALstringStruct* ReplaceMatches(RegExClassData& data, rbText& target, std::string_view new_text) {
   const std::string_view bytes = target.UTF8();
-  const Replacement replacement(new_text, Replacement::kNamableGroups);
   MatchWalk walk(data, target);
+  if (!walk.Next()) {
+    data.Count = walk.calls();
+    return BuildUTF8(bytes);
+  }
+  const Replacement replacement(new_text, GroupsOf(data) + 1);
   MatchRecord record(replacement.groups(), bytes.size());
   std::optional<MatchWalk> unrecorded;
   const auto length = static_cast<std::int64_t>(bytes.size());

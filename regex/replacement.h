@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory_resource>
 #include <span>
 #include <string>
 #include <string_view>
@@ -18,8 +19,8 @@
 namespace zrk {
 
 // Pieces of a text are mostly a few bytes long, and finding out how few costs more than copying
-// some that are not needed. So many bytes may be written past the end of a text that is put
-// together.
+// some that are not needed: 10 ns a match where each word is replaced, a tenth of the whole. So
+// many bytes may be written past the end of a text that is put together.
 inline constexpr std::ptrdiff_t kCopyWidth = 16;
 
 // Copies bytes, which may be none, and answers where the copy ends. What stands behind them may be
@@ -64,10 +65,13 @@ class Replacement {
   void Split(std::string_view text, std::int32_t group_bound);
   void ListGroups();
 
+  // A short text is taken apart here: two allocations less are 6 ns of a short call's 168.
+  std::byte short_[256];
+  std::pmr::monotonic_buffer_resource memory_{short_, sizeof short_};
   // All literal bytes, escapes resolved, and behind them what Append may read.
-  std::string literals_;
+  std::pmr::string literals_{&memory_};
   std::size_t literal_length_ = 0;
-  std::vector<Insertion> insertions_;
+  std::pmr::vector<Insertion> insertions_{&memory_};
   std::int32_t groups_[kNamableGroups];
   std::size_t group_count_ = 0;
 };

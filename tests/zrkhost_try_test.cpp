@@ -73,12 +73,18 @@ Quantifiers are lazy here; with --greedy the first match is "aa"
        4-4 (characters 3-3)  ""
 4 matches in 4 bytes, ...
 )"},
-      {R"-(b --bytes -t "$(printf 'ab\303')")-",
+      {R"-(b -t "$(printf 'ab\303')")-",
        R"(    1: ab\xC3
         ^
        1-2  "b"
 text is not UTF-8: searched as bytes
 1 match in 3 bytes, ...
+)"},
+      {"'k(..)s' --bytes -t käs",
+       R"(    1: käs
+       ^^^
+       0-4  "käs"  1 "ä"
+1 match in 4 bytes, ...
 )"},
       {R"('(\w)(b)' --color=always -t ab)",
        "\x1b[2m    1: \x1b[0m\x1b[32ma\x1b[0m\x1b[36mb\x1b[0m\n"
@@ -133,6 +139,7 @@ TEST(Try, ReadsRealFiles) {
        "GNU General Public License\n"},
       {R"(-c '(?m)^$' /usr/share/common-licenses/GPL-2 /usr/share/common-licenses/BSD)", 0,
        "/usr/share/common-licenses/BSD:"},
+      {"-cm '^$' /usr/share/common-licenses/GPL-2 /nowhere", 2, "/GPL-2:"},
       {R"(-gs '“(.*)”' )" ZRK_SOURCE_DIR "/examples/demo.lua", 0, "step(\"2"},
       {"-g 'REALPlugin\\w+' " ZRK_LIBRARY_PATH, 0, "searched as bytes"},
       {"-go 'REALPlugin\\w+' " ZRK_LIBRARY_PATH, 0, "REALPluginMain\n"},

@@ -28,6 +28,8 @@ LineEditor& Of(EditLine* editor) {
 // The editor knows nothing of a new width before it is told, and draws the line anew only then.
 void FollowTheWindow(EditLine* editor) {
   resized = 0;
+  std::fputs("\r", stdout);  // over what is there, not behind it
+  std::fflush(stdout);
   el_resize(editor);
   el_set(editor, EL_REFRESH);
 }

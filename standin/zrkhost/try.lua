@@ -32,7 +32,7 @@ local function text_of(name, bytes, options)
     if not known then return complain("%s", text) end
     bytes = tostring(text)
   elseif options.bytes or not utf8.len(bytes) then
-    return { name = name, bytes = bytes, subject = host.memoryblock(bytes), binary = true }
+    return { name = name, bytes = bytes, subject = host.memoryblock(bytes), binary = true, asked = options.bytes }
   end
   return { name = name, bytes = bytes, subject = bytes, file = name ~= "the input" and not options.text }
 end
@@ -200,8 +200,8 @@ end
 local function try_text(options, text, show)
   local re = assert(compile(options, text.binary))
   if text.binary and (options.replace or options.code) then
-    local reason <const> = "%s is not UTF-8, and only text can be replaced or read by a program: see --encoding"
-    return complain(reason, text.name)
+    local name = text.name .. (text.asked and " is searched as bytes" or " is not UTF-8")
+    return complain("%s, and only text can be replaced or read by a program: see --encoding", name)
   end
   local matches, code = search(re, text, options)
   if code then complain("%s: the search ended with %s", text.name, texts.constant(code)) end
@@ -229,7 +229,7 @@ local function run(...)
     return error_status
   end
   local all = all_texts(options)
-  local show = shows.for_options(options, #all > 1)
+  local show = shows.for_options(options, #options.files > 1)
   local count = 0
   for _, text in ipairs(all) do count = count + (try_text(options, text, show) or 0) end
   if show.summary and #all > 0 then show.summary(all, count) end

@@ -174,7 +174,9 @@ local function summary(all, count)
   for _, text in ipairs(all) do
     bytes, seconds = bytes + #text.bytes, seconds + (text.seconds or 0)
     studied = studied and text.studied_seconds and studied + text.studied_seconds
-    if text.binary then print(paint("dim", text.name .. " is not UTF-8: searched as bytes")) end
+    if text.binary and not text.asked then
+      print(paint("dim", text.name .. " is not UTF-8: searched as bytes"))
+    end
     if text.hint then print(paint("dim", text.hint)) end
   end
   print(paint("bold", ("%s in %s"):format(plural(count, "match"), plural(bytes, "byte"))) ..

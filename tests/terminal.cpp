@@ -16,7 +16,7 @@
 namespace tests {
 namespace {
 
-constexpr int kPatience = 10'000;  // milliseconds
+constexpr int kPatience = 30'000;  // milliseconds; other work may keep the machine busy
 
 }  // namespace
 
@@ -80,8 +80,12 @@ void Terminal::Resize(unsigned short columns) {
 int Terminal::Wait() {
   while (ReadSome()) {
   }
+  // Whoever says nothing and does not end would be waited for without a bound.
   int status = 0;
-  waitpid(child_, &status, 0);
+  for (int waited = 0; waitpid(child_, &status, WNOHANG) == 0; ++waited) {
+    if (waited == kPatience) kill(child_, SIGKILL);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
   child_ = -1;
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }

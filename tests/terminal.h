@@ -17,12 +17,13 @@ class Terminal {
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;
 
-  // Types the keys and waits, 10 seconds at most, until `expected` has been printed after them;
+  // Types the keys and waits, 30 seconds at most, until `expected` has been printed after them;
   // false where it never is. The search goes on behind what was found. What ends in "> " is taken
   // for a prompt: then the keys that follow go to its editor.
   bool Type(const std::string& keys, const std::string& expected);
   void Resize(unsigned short columns);
-  // Waits for the end; the exit status, or -1 for an end by a signal.
+  // Waits for the end; the exit status, or -1 for an end by a signal. What does not end within a
+  // minute is killed.
   int Wait();
 
   // All that was printed, control sequences included.

@@ -50,8 +50,10 @@ void RaiseOutOfBoundsException(std::int64_t value, std::int64_t minimum, std::in
   RaiseException(kClass, message.get());
 }
 
+namespace {
+
 // The special kinds stand before their bases, since the first clause that fits applies.
-void TranslateNativeException() noexcept {
+void Translate() {
   constexpr const char* kOutOfBounds = "OutOfBoundsException";
   try {
     throw;
@@ -71,6 +73,16 @@ void TranslateNativeException() noexcept {
     RaiseException("RuntimeException", error.what());
   } catch (...) {
     RaiseException("RuntimeException", "Sorry, but there was an unnamed C++ Exception.");
+  }
+}
+
+}  // namespace
+
+// A host that throws even while it is told has nothing raised.
+void TranslateNativeException() noexcept {
+  try {
+    Translate();
+  } catch (...) {
   }
 }
 

@@ -50,8 +50,14 @@ class Reference {
   ~Reference() { Reset(); }
 
   Handle* get() const { return handle_; }
-  // Gives the reference back now instead of at the end.
-  void Reset() { Release(handle_); }
+  // Gives the reference back now instead of at the end. A last one may run the program, in a
+  // destructor: what is thrown there ends here, since a call that cleans up has nobody to tell.
+  void Reset() noexcept {
+    try {
+      Release(handle_);
+    } catch (...) {
+    }
+  }
   // Hands the reference to the caller.
   Handle* Take() { return std::exchange(handle_, nullptr); }
 

@@ -21,7 +21,7 @@ std::string_view BytesOf(REALmemoryBlockStruct* block) {
 
 }  // namespace
 
-rbData::rbData(REALmemoryBlockStruct* block) noexcept : block_(BlockReference::Share(block)) {
+rbData::rbData(REALmemoryBlockStruct* block) : block_(BlockReference::Share(block)) {
   if (block != nullptr) bytes_ = BytesOf(block);
 }
 

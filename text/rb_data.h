@@ -13,7 +13,7 @@ namespace zrk {
 class rbData {
  public:
   // Locks the block, which may be null, while the adapter lives.
-  explicit rbData(REALmemoryBlockStruct* block) noexcept;
+  explicit rbData(REALmemoryBlockStruct* block);
   rbData(const rbData&) = delete;
   rbData& operator=(const rbData&) = delete;
 

@@ -40,17 +40,12 @@ bool IsSingleByteFamily(std::uint32_t encoding) {
 
 }  // namespace
 
-rbText::rbText(REALstringStruct* string) noexcept : source_(StringReference::Share(string)) {
+rbText::rbText(REALstringStruct* string) : source_(StringReference::Share(string)) {
   if (string != nullptr) {
     ReadSource();
   } else {
-    SetForm(SubjectBytes::OfASCII(kEmptyText));
+    SetForm(kEmptyText, true);
   }
-}
-
-void rbText::SetForm(SubjectBytes form) {
-  form_ = std::move(form);
-  converted_ = true;
 }
 
 // A host that cannot tell the encoding answers the neutral 0, which is one of the family. The scan
@@ -70,7 +65,7 @@ void rbText::ReadUnknownEncoding() {
   const std::string_view text = TextOf(source_.get());
   REALstringStruct* const rebuilt =
       FitsWithTerminator(text) ? REALBuildUnicodeString(text, kEncodingMacRoman) : nullptr;
-  if (rebuilt == nullptr) return SetForm(SubjectBytes::OfASCII(kEmptyText));
+  if (rebuilt == nullptr) return SetForm(kEmptyText, true);
   source_ = StringReference::Adopt(rebuilt);
   ShareASCII();
 }
@@ -80,11 +75,11 @@ void rbText::ReadUnknownEncoding() {
 bool rbText::ShareASCII() {
   const std::string_view text = TextOf(source_.get());
   if (!IsASCII(text)) return false;
-  SetForm(SubjectBytes::OfASCII(text));
+  SetForm(text, true);
   return true;
 }
 
-void rbText::ConvertUTF8() { SetForm(SubjectBytes(Terminated(FetchUTF8()))); }
+void rbText::ConvertUTF8() { SetForm(Terminated(FetchUTF8())); }
 
 // The text as host memory holds it; empty where the host cannot convert it.
 std::string_view rbText::FetchUTF8() {

@@ -18,7 +18,7 @@ namespace zrk {
 class rbText {
  public:
   // Takes a reference of its own; null reads as the empty string and asks nothing of the host.
-  explicit rbText(REALstringStruct* string) noexcept;
+  explicit rbText(REALstringStruct* string);
   rbText(const rbText&) = delete;
   rbText& operator=(const rbText&) = delete;
 
@@ -42,7 +42,10 @@ class rbText {
   // Bytes that the host hands out for a string, to be handed back once.
   struct StringData {
     ~StringData() {
-      if (filled) REALDisposeStringData(&record);
+      try {
+        if (filled) REALDisposeStringData(&record);
+      } catch (...) {  // as for a reference that is given back
+      }
     }
     REALstringData record{};
     bool filled = false;
@@ -56,7 +59,10 @@ class rbText {
   std::string_view FetchUTF8();
   std::string_view FetchStringData();
   std::string_view Terminated(std::string_view text);
-  void SetForm(SubjectBytes form);
+  void SetForm(std::string_view bytes, bool are_ascii = false) {
+    form_.Set(bytes, are_ascii);
+    converted_ = true;
+  }
 
   // Released from the last one up: the string first, and last the copy, as hosts expect it.
   std::unique_ptr<char[]> terminated_copy_;

@@ -21,11 +21,10 @@ class SubjectBytes {
   // Does not own the bytes, which must stay as they are while this lives. Null data is kept apart
   // from an empty text: the engine refuses it.
   explicit SubjectBytes(std::string_view bytes) : bytes_(bytes) {}
-  // ASCII answers every question at once.
-  static SubjectBytes OfASCII(std::string_view bytes) {
-    SubjectBytes subject(bytes);
-    subject.safety_ = Safety::kASCII;
-    return subject;
+  // Names the bytes where there are none yet. That they are ASCII answers every question at once.
+  void Set(std::string_view bytes, bool are_ascii = false) {
+    bytes_ = bytes;
+    safety_ = are_ascii ? Safety::kASCII : Safety::kUnknown;
   }
 
   std::string_view bytes() const { return bytes_; }

@@ -83,26 +83,4 @@ TEST(Reentry, LeavesOneSubjectAndNothingLost) {
   }
 }
 
-// A native exception of the host's, from whatever it is asked, becomes a host exception or nothing;
-// it ends no process, and the object can be used.
-TEST(Reentry, OutlivesNativeExceptionsFromEveryService) {
-  for (const standin::HostOptions& kind : HostKinds()) {
-    SCOPED_TRACE(NameOf(kind));
-    Session session(kind);
-    session.balances = false;  // a service that throws has not taken the reference back
-    for (const std::string& service : standin::Host::ServiceNames()) {
-      if (service == "RuntimeRaiseException") continue;  // there is no way to tell the host then
-      for (const CallRow& row : CallRows()) {
-        const Object regex = Prepared(session);
-        const Values arguments = row.arguments(session.host);
-        session.host.SetFault(service, {.before = [] { throw standin::NativeException(); }});
-        regex.TryCall(row.method, arguments);
-        session.host.SetFault(service, {});
-        Prepare(regex);
-        EXPECT_EQ(regex.Call("Substring", {0}).UTF8(), "bc") << service << " in " << row.label;
-      }
-    }
-  }
-}
-
 }  // namespace

@@ -51,8 +51,8 @@ LineEditor::LineEditor(std::filesystem::path history_file, Complete complete)
   el_set(editor, EL_HIST, ::history, history_.get());
   el_set(editor, EL_PROMPT, Prompt);
   el_set(editor, EL_GETCFN, ReadCharacter);
-  el_set(editor, EL_ADDFN, "zrkhost-complete", "Complete a name", OnTab);
-  el_set(editor, EL_ADDFN, "zrkhost-interrupt", "Give the line up", OnInterrupt);
+  el_wset(editor, EL_ADDFN, L"zrkhost-complete", L"Complete a name", OnTab);
+  el_wset(editor, EL_ADDFN, L"zrkhost-interrupt", L"Give the line up", OnInterrupt);
   el_source(editor, nullptr);  // the user's own bindings, before ours
   el_set(editor, EL_BIND, "\t", "zrkhost-complete", nullptr);
   // While a line is edited Ctrl-C is a key like others, and no signal.

@@ -14,7 +14,11 @@
 
 namespace {
 
-using ByteString = std::string;
+using ByteString = std::vector<unsigned char>;
+
+std::string_view View(const ByteString& bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
 
 std::size_t SlowSequenceLength(unsigned char lead) {
   if (lead >= 0xC0 && lead <= 0xDF) return 2;
@@ -81,20 +85,20 @@ ByteString RandomBytes(std::mt19937& random, std::size_t length, bool ascii, int
 void Check(const ByteString& bytes) {
   const std::size_t size = bytes.size();
   const bool ascii = std::ranges::all_of(bytes, [](unsigned char byte) { return byte < 0x80; });
-  EXPECT_EQ(zrk::IsASCII(bytes), ascii);
-  EXPECT_EQ(zrk::HasBrokenCharacters(bytes), SlowHasBrokenCharacters(bytes));
+  EXPECT_EQ(zrk::IsASCII(View(bytes)), ascii);
+  EXPECT_EQ(zrk::HasBrokenCharacters(View(bytes)), SlowHasBrokenCharacters(bytes));
 
   const ByteString safe = SlowWithoutUnsafeBytes(bytes);
-  EXPECT_EQ(zrk::HasUnsafeBytes(bytes), safe != bytes);
-  const std::vector<char> copy = zrk::CopyWithoutUnsafeBytes(bytes);
-  EXPECT_EQ(std::string_view(copy.data(), copy.size()), safe);
+  EXPECT_EQ(zrk::HasUnsafeBytes(View(bytes)), safe != bytes);
+  const std::vector<char> copy = zrk::CopyWithoutUnsafeBytes(View(bytes));
+  EXPECT_EQ(std::string_view(copy.data(), copy.size()), View(safe));
 
   const std::vector<std::size_t> counts = SlowCharacters(bytes);
   const std::size_t middle = size / 3;
-  const auto half_way = zrk::WalkCharacters(bytes, {}, middle);
+  const auto half_way = zrk::WalkCharacters(View(bytes), {}, middle);
   EXPECT_EQ(half_way.characters, counts[middle]);
-  EXPECT_EQ(zrk::WalkCharacters(bytes, half_way, size).characters, counts[size]);
-  zrk::SubjectBytes subject(bytes);
+  EXPECT_EQ(zrk::WalkCharacters(View(bytes), half_way, size).characters, counts[size]);
+  zrk::SubjectBytes subject(View(bytes));
   for (const std::size_t offset : {size, middle, size - middle, std::size_t{0}, size}) {
     EXPECT_EQ(subject.CharactersBefore(offset), counts[offset]);
   }
@@ -123,7 +127,7 @@ TEST(UTF8, NoPlaceIsOverlooked) {
       for (std::size_t at = 0; at < length; at += step) {
         ByteString bytes(length, 'a');
         bytes[at] = static_cast<unsigned char>(odd);
-        if (odd == 0xF4 && at + 1 < length) bytes[at + 1] = '\x90';
+        if (odd == 0xF4 && at + 1 < length) bytes[at + 1] = 0x90;
         Check(bytes);
         if (HasFailure()) FAIL() << odd << " at " << at << " of " << length;
       }

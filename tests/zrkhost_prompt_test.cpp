@@ -73,6 +73,7 @@ TEST_F(Prompt, RunsShowsAndDrawsMistakes) {
     const std::string keys = std::string(row.keys) + (*row.keys ? kEnter : "");
     EXPECT_TRUE(terminal.Type(keys, row.shown)) << row.keys << "\n" << terminal.output();
   }
+  ASSERT_TRUE(terminal.Type("", "> "));  // before it the key would end nothing
   EXPECT_TRUE(terminal.Type(kEndOfInput, "\n"));
   EXPECT_EQ(terminal.Wait(), 0);
 }

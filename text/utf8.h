@@ -17,6 +17,7 @@ constexpr int SequenceLength(unsigned char lead) {
   if ((lead & 0xF8) == 0xF0) return 4;
   return 1;
 }
+constexpr int SequenceLength(char lead) { return SequenceLength(static_cast<unsigned char>(lead)); }
 
 // Whether every byte is below 0x80.
 bool IsASCII(std::string_view text);

@@ -1,26 +1,33 @@
 #include "tests/calls.h"
 
+#include <utility>
+
 namespace tests {
 
 namespace {
 
 using standin::Host;
 
-const std::string kText = "aébc\xF5 bx bc";
-
-Values Strings(Host& host, bool inverse) {
-  return {host.StringArray({"bc", kText, "zz", Value()}), inverse};
-}
-
-Values Variants(Host& host, bool inverse) {
-  return {host.VariantArray({"bc", kText, 5, true, Value()}), inverse};
-}
-
-// Arguments that need no host of their own.
+// Arguments that need no host of their own, and those that begin with a thing of it.
 template <typename... Arguments>
 auto With(Arguments... arguments) {
   return [=](Host&) { return Values{arguments...}; };
 }
+template <typename... Arguments>
+auto WithBlock(const char* bytes, Arguments... arguments) {
+  return [=](Host& host) { return Values{host.MemoryBlock(bytes), arguments...}; };
+}
+auto WithStrings(bool inverse) {
+  return [=](Host& host) {
+    return Values{host.StringArray({"bc", kSubject, "zz", Value()}), inverse};
+  };
+}
+auto WithVariants(bool inverse) {
+  return [=](Host& host) {
+    return Values{host.VariantArray({"bc", kSubject, 5, true, Value()}), inverse};
+  };
+}
+Values WithLatin1(Host& host) { return {host.String("xbc\xE9", zrk::kEncodingISOLatin1)}; }
 
 }  // namespace
 
@@ -53,35 +60,27 @@ std::string Show(const Object& object, const Outcome& outcome) {
 
 const std::vector<CallRow>& CallRows() {
   static const std::vector<CallRow> rows = {
-      {"match", "Match", With(kText)},
-      {"match strings", "Match", [](Host& host) { return Strings(host, false); }},
-      {"match strings inverse", "Match", [](Host& host) { return Strings(host, true); }},
-      {"match variants", "Match", [](Host& host) { return Variants(host, false); }},
-      {"match variants inverse", "Match", [](Host& host) { return Variants(host, true); }},
+      {"match", "Match", With(kSubject)},
+      {"match strings", "Match", WithStrings(false)},
+      {"match strings inverse", "Match", WithStrings(true)},
+      {"match variants", "Match", WithVariants(false)},
+      {"match variants inverse", "Match", WithVariants(true)},
       {"name entry", "InfoNameEntry", With(2)},
       {"no such entry", "InfoNameEntry", With(3)},
       {"version", "Version", With()},
       {"compile", "Compile", With("b(é)")},
       {"compile an error", "Compile", With("b(")},
-      {"compile bytes", "CompileMemory",
-       [](Host& host) -> Values {
-         return {host.MemoryBlock("xb(c)(?#and a remark)"), 1};
-       }},
+      {"compile bytes", "CompileMemory", WithBlock("xb(c)(?#and a remark)", 1)},
       {"compile no bytes", "CompileMemory", With(Value::Nil(Kind::kMemoryBlock), 0)},
       {"study", "Study", With()},
       {"execute again", "Execute", With(1)},
-      {"execute", "Execute", With(kText, 1)},
-      {"execute bytes", "ExecuteMemory",
-       [](Host& host) -> Values {
-         return {host.MemoryBlock(kText), 1};
-       }},
+      {"execute", "Execute", With(kSubject, 1)},
+      {"execute another encoding", "Execute", WithLatin1},
+      {"execute bytes", "ExecuteMemory", WithBlock(kSubject, 1)},
       {"execute no bytes", "ExecuteMemory", With(Value::Nil(Kind::kMemoryBlock))},
       {"execute threaded again", "ExecuteMT", With(1)},
-      {"execute threaded", "ExecuteMT", With(kText, 1)},
-      {"execute bytes threaded", "ExecuteMemoryMT",
-       [](Host& host) -> Values {
-         return {host.MemoryBlock(kText), 1};
-       }},
+      {"execute threaded", "ExecuteMT", With(kSubject, 1)},
+      {"execute bytes threaded", "ExecuteMemoryMT", WithBlock(kSubject, 1)},
       {"offset", "Offset", With(3)},
       {"no such offset", "Offset", With(-1)},
       {"character", "OffsetCharacters", With(1)},
@@ -99,8 +98,8 @@ const std::vector<CallRow>& CallRows() {
       {"stack", "ConfigStackRecurse", With()},
       {"replace", "Replace", With("<\\1é>")},
       {"replace selection", "ReplaceSelection", With("<\\2>")},
-      {"replace all", "ReplaceAll", With(kText, "<\\1é>")},
-      {"delete all", "ReplaceAll", With(kText)},
+      {"replace all", "ReplaceAll", With(kSubject, "<\\1é>")},
+      {"delete all", "ReplaceAll", With(kSubject)},
       {"escape", "Escape", With("a.é((((((((((")},
       {"unescape", "Unescape", With("a\\.é and some more")},
   };
@@ -119,8 +118,19 @@ Object Prepared(Session& session, const Value& subject) {
   return object;
 }
 
-Outcome Run(Session& session, const Object& object, const CallRow& row) {
-  return object.TryCall(row.method, row.arguments(session.host));
+std::vector<Values> Combinations(const std::vector<Values>& choices) {
+  std::vector<Values> all = {{}};
+  for (const Values& values : choices) {
+    std::vector<Values> longer;
+    for (const Values& begun : all) {
+      for (const Value& value : values) {
+        longer.push_back(begun);
+        longer.back().push_back(value);
+      }
+    }
+    all = std::move(longer);
+  }
+  return all;
 }
 
 }  // namespace tests

@@ -33,7 +33,8 @@ const std::vector<CallRow>& CallRows();
 void Prepare(const Object& object, const Value& subject = kSubject);
 Object Prepared(Session& session, const Value& subject = kSubject);
 
-Outcome Run(Session& session, const Object& object, const CallRow& row);
+// Every way of taking one value from each of the choices.
+std::vector<Values> Combinations(const std::vector<Values>& choices);
 
 }  // namespace tests
 

@@ -1,13 +1,13 @@
 #include "fuzz/invariants.h"
 
-#include "fuzz/reference.h"
+#include "tests/oracle/plain_text.h"
 
 namespace fuzz {
 namespace {
 
 std::size_t SizeOf(const Session& session, const Value& text) {
   constexpr std::size_t kMostGrowth = 3;  // a byte becomes U+FFFD, at most
-  return session.IsWhole() ? ReadAs(session.host.options(), text).size()
+  return session.IsWhole() ? oracle::ReadAs(session.host.options(), text).size()
                            : kMostGrowth * (text.Bytes().size() + 1);
 }
 

@@ -6,9 +6,9 @@
 //     alone, each up to its first NUL byte.
 //  3. Lasterror is -99 after an empty result, and 0 otherwise.
 //  4. The accounts balance, and no sanitizer has anything to say.
-#include "fuzz/plain_regex.h"
 #include "fuzz/session.h"
 #include "fuzz/values.h"
+#include "tests/oracle/plain_regex.h"
 
 namespace {
 
@@ -38,10 +38,10 @@ void CheckResult(const Regex& regex, const Outcome& outcome, const std::string& 
   Check(regex.Number("Lasterror") == (expected.empty() ? -99 : 0), "Lasterror fits the result");
 }
 
-void CheckReplace(const Regex& regex, const PlainMatch& match, const std::string& subject,
+void CheckReplace(const Regex& regex, const oracle::PlainMatch& match, const std::string& subject,
                   const std::string& new_text) {
   const auto bound = static_cast<std::size_t>(regex.Number("VectorSize") / 3 - 1);
-  const std::string text = Expand(new_text, match.Groups(subject, bound));
+  const std::string text = oracle::Expand(new_text, match, subject, bound);
   const std::string whole = subject.substr(0, static_cast<std::size_t>(match.vector[0])) + text +
                             subject.substr(static_cast<std::size_t>(match.vector[1]));
   CheckResult(regex, regex.Call("Replace", {new_text}), whole.c_str());
@@ -54,9 +54,9 @@ void Run(Input& input) {
   const std::uint32_t compile_options = Switch(input, regex, "CompileOptions", kCompileOptions);
   const std::uint32_t execute_options = Switch(input, regex, "ExecuteOptions", kExecuteOptions);
   const std::string pattern = std::string(kBounded) + input.Bytes(80);
-  PlainRegex plain(pattern, compile_options, execute_options);
+  oracle::PlainRegex plain(pattern, compile_options, execute_options);
   const bool compiled = regex.Call("Compile", {pattern}).value.Boolean();
-  Check(compiled == plain.IsValid(), "the same patterns compile");
+  Check(compiled == (plain.error() == nullptr), "the same patterns compile");
   if (!compiled) return;
   if (input.Truth()) {
     regex.Call("Study");
@@ -65,12 +65,12 @@ void Run(Input& input) {
   const std::string new_text = input.Bytes(40);
   const std::string subject = AnyText(input);
 
-  const PlainReplaceAll all = ReplaceAll(plain, subject, new_text);
+  const oracle::Replaced all = oracle::ReplaceAll(plain, subject, new_text);
   CheckResult(regex, regex.Call("ReplaceAll", {subject, new_text}), all.text);
   Check(regex.Number("Count") == all.engine_calls, "Count is the number of engine calls");
 
-  const PlainMatch match =
-      plain.Match(subject, 0, static_cast<std::size_t>(regex.Number("VectorSize")));
+  const oracle::PlainMatch match =
+      plain.Match(plain.Shown(subject), 0, static_cast<std::size_t>(regex.Number("VectorSize")));
   Check(regex.Ask("Execute", {subject}) == match.result, "a match is the engine's");
   if (match.result > 0) CheckReplace(regex, match, subject, new_text);
 }

@@ -1,8 +1,10 @@
 #include "fuzz/script.h"
 
-#include <array>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
+#include <iomanip>
+#include <sstream>
 
 #include "standin/encoding.h"
 
@@ -12,40 +14,23 @@ namespace {
 using standin::Kind;
 
 std::string Quote(const std::string& bytes) {
-  std::string out = "\"";
-  for (const char byte : bytes) {
-    const bool plain = byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\';
-    std::array<char, 8> text{byte};
-    if (!plain)
-      std::snprintf(text.data(), text.size(), "\\x%02X", static_cast<unsigned char>(byte));
-    out += text.data();
+  std::ostringstream out;
+  out << '"' << std::hex << std::uppercase << std::setfill('0');
+  for (const unsigned char byte : bytes) {
+    if (std::isprint(byte) != 0 && byte != '"' && byte != '\\') {
+      out << byte;
+    } else {
+      out << "\\x" << std::setw(2) << int{byte};
+    }
   }
-  return out + "\"";
+  out << '"';
+  return out.str();
 }
 
-std::string LuaOfNil(Kind kind) {
-  switch (kind) {
-    case Kind::kString:
-      return "host.null(\"string\")";
-    case Kind::kStringArray:
-      return "host.null(\"string()\")";
-    case Kind::kVariantArray:
-      return "host.null(\"variant()\")";
-    default:
-      return "nil";
-  }
-}
-
-std::string LuaOfString(const standin::Value& value) {
-  const std::string bytes = Quote(value.Bytes());
-  if (value.Encoding() == zrk::kEncodingUTF8) return bytes;
-  return "host.string(" + bytes + ", \"" + standin::EncodingName(value.Encoding()) + "\")";
-}
-
-std::string LuaOfArray(const standin::Value& value) {
-  const standin::Values elements = value.Elements();
-  return "{n = " + std::to_string(elements.size()) + (elements.empty() ? "" : ", ") +
-         LuaOf(elements) + "}";
+std::string LuaOfArray(const char* kind, const standin::Value& array) {
+  if (array.IsNil()) return std::string("host.null(\"") + kind + "()\")";
+  return std::string("host.") + kind + "array{n = " + std::to_string(array.Count()) +
+         LuaOf(array.Elements()) + "}";
 }
 
 }  // namespace
@@ -58,22 +43,19 @@ bool PrintsLua() {
 void PrintLua(const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); }
 
 std::string LuaOf(const standin::Value& value) {
-  if (value.IsNil()) return LuaOfNil(value.kind());
   switch (value.kind()) {
-    case Kind::kInteger:
-      return std::to_string(value.Integer());
     case Kind::kBoolean:
       return value.Boolean() ? "true" : "false";
-    case Kind::kDouble:
-      return std::to_string(value.Double());
     case Kind::kString:
-      return LuaOfString(value);
+      if (value.IsNil()) return "host.null(\"string\")";
+      return "host.string(" + Quote(value.Bytes()) + ", \"" +
+             standin::EncodingName(value.Encoding()) + "\")";
     case Kind::kMemoryBlock:
-      return "host.memoryblock(" + Quote(value.Bytes()) + ")";
+      return value.IsNil() ? "nil" : "host.memoryblock(" + Quote(value.Bytes()) + ")";
     case Kind::kStringArray:
-      return "host.stringarray" + LuaOfArray(value);
+      return LuaOfArray("string", value);
     case Kind::kVariantArray:
-      return "host.variantarray" + LuaOfArray(value);
+      return LuaOfArray("variant", value);
     default:
       return value.Describe();
   }
@@ -81,26 +63,25 @@ std::string LuaOf(const standin::Value& value) {
 
 std::string LuaOf(const standin::Values& values) {
   std::string text;
-  for (const standin::Value& value : values) text += (text.empty() ? "" : ", ") + LuaOf(value);
+  for (const standin::Value& value : values) text += ", " + LuaOf(value);
   return text;
 }
 
 std::string LuaOf(const standin::HostOptions& options) {
-  std::array<char, 16> version{"none"};
-  if (options.version) std::snprintf(version.data(), version.size(), "%.7g", *options.version);
-  std::string command = "-- zrkhost --host " + std::string(version.data());
-  std::string rest;
+  std::ostringstream command;
+  std::ostringstream rest;
+  command << std::setprecision(7) << "-- zrkhost --host ";
+  if (options.version) command << *options.version;
+  if (!options.version) command << "none";
+  if (!options.direct_storage) command << " --no-direct-storage";
   for (const auto& [service, fault] : options.faults) {
-    if (fault.missing) command += " --without " + service;
-    if (fault.answers_null) {
-      rest += "\n-- " + service + " answers null in call " + std::to_string(fault.only_call) +
-              " (0: always)";
-    }
+    if (fault.missing) command << " --without " << service;
+    if (!fault.answers_null) continue;
+    rest << "\n-- " << service << " answers null in call " << fault.only_call << " (0: always)";
   }
-  if (!options.direct_storage) command += " --no-direct-storage";
-  if (!options.terminate_string_data) rest += "\n-- string data without a zero byte behind it";
-  for (const std::string& name : options.unknown_classes) rest += "\n-- no class " + name;
-  return command + rest;
+  if (!options.terminate_string_data) rest << "\n-- string data without a zero byte behind it";
+  for (const std::string& name : options.unknown_classes) rest << "\n-- no class " << name;
+  return command.str() + rest.str();
 }
 
 void Check(bool holds, std::string_view invariant) {

@@ -14,8 +14,8 @@ bool PrintsLua();
 // Prints one line to the standard error.
 void PrintLua(const std::string& line);
 
-// The value, or the values with commas between them, as Lua source. Whatever a program cannot ask
-// of its host (a block without data, an odd encoding) shows as the nearest thing that it can.
+// The value as Lua source, or the values with a comma before each. Whatever a program cannot ask of
+// its host (a block without data, an odd encoding) shows as the nearest thing that it can.
 std::string LuaOf(const standin::Value& value);
 std::string LuaOf(const standin::Values& values);
 // How to run the program on such a host, as comments.

@@ -29,29 +29,12 @@ constexpr std::string_view kNeeded[] = {"PluginRegisterClass", "REALLockString",
                                         "REALUnlockString",    "REALLockObject",
                                         "REALUnlockObject",    "PluginDisposeStringData"};
 
-struct Plugin {
-  standin::Library library{ZRK_LIBRARY_PATH};
-  Statics statics{ZRK_LIBRARY_PATH};
-};
-
-Plugin& ThePlugin() {
-  static Plugin plugin;
-  return plugin;
-}
-
-const std::vector<std::string>& FaultyServices() {
-  static const std::vector<std::string> names = [] {
-    std::vector<std::string> all = standin::Host::ServiceNames();
-    std::erase_if(all, [](const std::string& name) {
-      return std::ranges::find(kNeeded, name) != std::end(kNeeded);
-    });
-    return all;
-  }();
-  return names;
-}
-
 void AddFault(Input& input, standin::HostOptions& options) {
-  const std::string& name = FaultyServices()[input.Below(FaultyServices().size())];
+  std::vector<std::string> names = standin::Host::ServiceNames();
+  std::erase_if(names, [](const std::string& name) {
+    return std::ranges::find(kNeeded, name) != std::end(kNeeded);
+  });
+  const std::string& name = names[input.Below(names.size())];
   const unsigned kind = input.Below(4);
   options.faults[name] = kind == 0 ? standin::Fault::Missing()
                                    : standin::Fault::AnswersNull(static_cast<int>(kind) - 1);
@@ -88,9 +71,10 @@ standin::HostOptions AnyHost(Input& input) {
 
 Session::Session(standin::HostOptions options) : host(std::move(options)) {
   if (PrintsLua()) PrintLua(LuaOf(host.options()));
-  Plugin& plugin = ThePlugin();
-  plugin.statics.Restore();
-  plugin.library.Start(host);
+  static standin::Library library(ZRK_LIBRARY_PATH);
+  static Statics statics(ZRK_LIBRARY_PATH);
+  statics.Restore();
+  library.Start(host);
 }
 
 Session::~Session() {
@@ -122,8 +106,7 @@ Regex Regex::Unconstructed(Session& session) {
 
 Outcome Regex::Call(std::string_view method, const Values& arguments) const {
   if (PrintsLua()) {
-    PrintLua("pcall(" + name_ + "." + std::string(method) + ", " + name_ +
-             (arguments.empty() ? "" : ", ") + LuaOf(arguments) + ")");
+    PrintLua("pcall(" + name_ + "." + std::string(method) + ", " + name_ + LuaOf(arguments) + ")");
   }
   return object_.TryCall(method, arguments);
 }

@@ -5,6 +5,7 @@
 #ifndef ZRK_FUZZ_STATICS_H
 #define ZRK_FUZZ_STATICS_H
 
+#include <cstdint>
 #include <filesystem>
 #include <vector>
 
@@ -20,10 +21,10 @@ class Statics {
   void Restore();
 
  private:
+  // Volatile, so that the compiler makes no checked memcpy of reads and writes between objects.
   struct Segment {
-    unsigned char* memory;
-    std::vector<unsigned char> before;
-    std::vector<unsigned char> now;
+    volatile std::uintptr_t* words;
+    std::vector<std::uintptr_t> before;
   };
 
   std::vector<Segment> segments_;

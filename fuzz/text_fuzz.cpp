@@ -7,9 +7,9 @@
 //  3. On any other host no result lies outside the subject.
 //  4. The accounts balance, and no sanitizer has anything to say.
 #include "fuzz/invariants.h"
-#include "fuzz/reference.h"
 #include "fuzz/session.h"
 #include "fuzz/values.h"
+#include "tests/oracle/plain_text.h"
 
 namespace {
 
@@ -30,10 +30,10 @@ void CheckReading(Session& session, const Value& text) {
   CheckMatch(regex, result, SubjectSize(session, regex));
   const Value escaped = regex.Call("Escape", {text}).value;
   if (!session.IsWhole()) return;
-  const std::string expected = ReadAs(session.host.options(), text);
+  const std::string expected = oracle::ReadAs(session.host.options(), text);
   Check(regex.Ask("Offset", {1}) == static_cast<std::int32_t>(expected.size()), "all is read");
   Check(regex.Call("Substring", {0}).value.Bytes() == expected.c_str(), "it is read as UTF-8");
-  Check(escaped.Bytes() == Escaped(expected), "all is escaped");
+  Check(escaped.Bytes() == oracle::Escaped(expected), "all is escaped");
   Check(regex.Call("Unescape", {escaped}).value.Bytes() == expected, "and back");
 }
 
@@ -41,7 +41,7 @@ void CheckGroup(const Regex& regex, const std::string& subject, std::int32_t gro
   for (const std::int32_t entry : {2 * group + 1, 2 * group}) {
     const auto offset = static_cast<std::size_t>(std::max(regex.Ask("Offset", {entry}), 0));
     const auto counted = static_cast<std::size_t>(regex.Ask("OffsetCharacters", {entry}));
-    Check(counted == CharactersBefore(subject, offset), "characters are counted");
+    Check(counted == oracle::CharactersBefore(subject, offset), "characters are counted");
   }
   const std::int32_t start = regex.Ask("Offset", {2 * group});
   const std::int32_t size = regex.Ask("Offset", {2 * group + 1}) - start;
@@ -55,7 +55,8 @@ void CheckGroup(const Regex& regex, const std::string& subject, std::int32_t gro
 
 void CheckWalk(Input& input, Session& session, const Value& subject) {
   const bool memory = subject.kind() == Kind::kMemoryBlock;
-  const std::string bytes = memory ? subject.Bytes() : ReadAs(session.host.options(), subject);
+  const std::string bytes =
+      memory ? subject.Bytes() : oracle::ReadAs(session.host.options(), subject);
   const Regex regex(session);
   regex.Call("Compile", {input.Pick(kPatterns)});
   std::int32_t result = regex.Ask(memory ? "ExecuteMemory" : "Execute", {subject});

@@ -1,7 +1,6 @@
 #include "tests/session.h"
 
 #include <gtest/gtest.h>
-#include <pcre.h>
 
 #include <sstream>
 
@@ -66,60 +65,15 @@ void OnEachHost(const std::function<void(Session&)>& test) {
   }
 }
 
-namespace {
-
-void DescribeGroup(std::ostream& out, int group, int start, int end, const std::string& text) {
-  out << ' ';
-  if (group > 0) out << group << ':';
-  if (start < 0) {
-    out << "unset";
-  } else {
-    out << start << '-' << end << " \"" << text << '"';
-  }
-}
-
-// Substring ends at the first NUL byte, and so does the engine's own copy of one.
-std::string UpToNul(const std::string& text) { return text.substr(0, text.find('\0')); }
-
-}  // namespace
-
 std::string Describe(const Object& regex, int result) {
   std::ostringstream out;
   out << result << " err=" << regex.Get("Lasterror").Integer();
   if (regex.Get("Count").Integer() < 1) return out.str();
   const int groups = regex.Get("InfoCaptureCount").Integer();
   for (int group = 0; group <= groups; ++group) {
-    DescribeGroup(out, group, regex.Call("Offset", {2 * group}).Integer(),
-                  regex.Call("Offset", {2 * group + 1}).Integer(),
-                  regex.Call("Substring", {group}).UTF8());
-  }
-  return out.str();
-}
-
-std::string DescribeDirectly(const std::string& pattern, const std::string& subject, int start,
-                             unsigned compile_options, unsigned execute_options) {
-  const char* message = nullptr;
-  int offset = 0;
-  pcre* const code =
-      pcre_compile(pattern.c_str(), static_cast<int>(compile_options), &message, &offset, nullptr);
-  if (code == nullptr) return message;
-  std::vector<int> vector(51);
-  const int result =
-      pcre_exec(code, nullptr, subject.data(), static_cast<int>(subject.size()), start,
-                static_cast<int>(execute_options), vector.data(), static_cast<int>(vector.size()));
-  int groups = 0;
-  pcre_fullinfo(code, nullptr, PCRE_INFO_CAPTURECOUNT, &groups);
-  pcre_free(code);
-
-  std::ostringstream out;
-  out << result << " err=" << std::min(result, 0);
-  for (int group = 0; result > 0 && group <= groups; ++group) {
-    const int from = vector[static_cast<std::size_t>(2 * group)];
-    const int to = vector[static_cast<std::size_t>(2 * group) + 1];
-    DescribeGroup(out, group, from, to,
-                  to > from ? UpToNul(subject.substr(static_cast<std::size_t>(from),
-                                                     static_cast<std::size_t>(to - from)))
-                            : "");
+    out << oracle::DescribeGroup(group, regex.Call("Offset", {2 * group}).Integer(),
+                                 regex.Call("Offset", {2 * group + 1}).Integer(),
+                                 regex.Call("Substring", {group}).UTF8());
   }
   return out.str();
 }

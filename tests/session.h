@@ -13,9 +13,11 @@
 
 #include "standin/host.h"
 #include "standin/library.h"
+#include "tests/oracle/plain_regex.h"
 
 namespace tests {
 
+using oracle::DescribeDirectly;
 using standin::Kind;
 using standin::Object;
 using standin::Outcome;
@@ -52,13 +54,8 @@ std::string NameOf(const standin::HostOptions& options);
 void OnEachHost(const std::function<void(Session&)>& test);
 
 // The state after a match as one line: `1 err=0 0-3 "abc" 1:unset 2:1-2 "b"`, the result first, the
-// groups as far as the pattern has them.
+// groups as far as the pattern has them. DescribeDirectly answers what it should be.
 std::string Describe(const Object& regex, int result);
-
-// The same from the engine called directly on the same bytes, options as a new object has them
-// unless given.
-std::string DescribeDirectly(const std::string& pattern, const std::string& subject, int start = 0,
-                             unsigned compile_options = 0x2A00, unsigned execute_options = 0x2000);
 
 // What was raised, as "Class: message" lines; empty for nothing.
 std::string Raised(const Outcome& outcome);

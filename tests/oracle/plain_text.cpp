@@ -1,10 +1,10 @@
-#include "fuzz/reference.h"
+#include "tests/oracle/plain_text.h"
 
 #include <algorithm>
 
 #include "standin/encoding.h"
 
-namespace fuzz {
+namespace oracle {
 namespace {
 
 bool IsASCII(const std::string& bytes) {
@@ -44,7 +44,7 @@ std::string ReadAs(const standin::HostOptions& host, const standin::Value& strin
   return standin::ConvertText(bytes, encoding, zrk::kEncodingUTF8).value_or("");
 }
 
-std::string ShownAs(const std::string& bytes) {
+std::string WithoutUnsafeBytes(const std::string& bytes) {
   std::string shown = bytes;
   for (std::size_t at = 0; at < bytes.size(); ++at) {
     if (LeadsAstray(bytes, at)) shown[at] = 0x1A;
@@ -58,7 +58,7 @@ bool IsSafePattern(const std::string& bytes) {
     if (IsContinuation(At(bytes, at)) != (announced > 0)) return false;
     announced = announced > 0 ? announced - 1 : SequenceLength(bytes, at) - 1;
   }
-  return announced == 0 && ShownAs(bytes) == bytes;
+  return announced == 0 && WithoutUnsafeBytes(bytes) == bytes;
 }
 
 std::size_t SequenceLength(const std::string& bytes, std::size_t at) {
@@ -85,4 +85,4 @@ std::string Escaped(const std::string& text) {
   return out;
 }
 
-}  // namespace fuzz
+}  // namespace oracle

@@ -1,6 +1,6 @@
 // What the library should make of texts, worked out the slow and obvious way.
-#ifndef ZRK_FUZZ_REFERENCE_H
-#define ZRK_FUZZ_REFERENCE_H
+#ifndef ZRK_TESTS_ORACLE_PLAIN_TEXT_H
+#define ZRK_TESTS_ORACLE_PLAIN_TEXT_H
 
 #include <cstddef>
 #include <string>
@@ -8,13 +8,13 @@
 
 #include "standin/host.h"
 
-namespace fuzz {
+namespace oracle {
 
 // The UTF-8 bytes that the library reads a host string as, on a host where nothing is wrong.
 std::string ReadAs(const standin::HostOptions& host, const standin::Value& string);
 
 // The bytes that an unchecking engine is shown: 0x1A for each byte that could lead it astray.
-std::string ShownAs(const std::string& bytes);
+std::string WithoutUnsafeBytes(const std::string& bytes);
 
 // Whether an engine may compile the bytes unchecked: they are whole characters, and none of them
 // leads astray.
@@ -29,6 +29,6 @@ std::size_t CharactersBefore(const std::string& bytes, std::size_t offset);
 // The text with each of the engine's special characters behind a backslash.
 std::string Escaped(const std::string& text);
 
-}  // namespace fuzz
+}  // namespace oracle
 
-#endif  // ZRK_FUZZ_REFERENCE_H
+#endif  // ZRK_TESTS_ORACLE_PLAIN_TEXT_H

@@ -85,7 +85,7 @@ docs:  ## the documentation as HTML, in build/docs
 
 test-pages: docs  ## look at every page of the documentation in a real browser
 	@tools/setup pages
-	node tests/pages/pages_test.js build/docs
+	timeout 300 tests/pages/pages_test.py build/docs
 
 package: docs  ## build/package/ZRKRegEx.xojo_plugin, and a check of it
 	@tools/setup build m32 package

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
+#include <filesystem>
+#include <fstream>
 
 namespace tests {
 
@@ -28,7 +31,16 @@ std::string Quoted(const std::string& text) {
 }
 
 Ran ZRKHost(const std::string& arguments) {
-  return Shell(ZRK_HOST_PROGRAM " " + arguments + " </dev/null");
+  return Shell(ZRK_HOST_PROGRAM " </dev/null " + arguments);
+}
+
+std::string RunProgram(const std::string& name, const std::string& program) {
+  const std::string folder = testing::TempDir() + "zrk_programs." + std::to_string(getpid());
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder + '/' + name) << program;
+  const Ran ran = Shell("cd " + folder + " && " ZRK_HOST_PROGRAM " " + name);
+  std::filesystem::remove_all(folder);
+  return ran.status == 0 ? ran.output : ran.output + "exit " + std::to_string(ran.status);
 }
 
 void Check(const Case& row, const Ran& ran) {

@@ -1,4 +1,4 @@
-// Command lines as a user gives them to a shell.
+// Command lines as a user gives them to a shell, and programs in files.
 #ifndef ZRK_TESTS_COMMAND_H
 #define ZRK_TESTS_COMMAND_H
 
@@ -16,6 +16,10 @@ Ran Shell(const std::string& command);
 std::string Quoted(const std::string& text);
 // zrkhost with these arguments and no input.
 Ran ZRKHost(const std::string& arguments);
+// Runs a program in zrkhost from a file of this name, which messages show; it is a listing in the
+// host's language where the name ends in .xojo_code. Answers what it prints, errors as well, and
+// "exit N" behind that where N is not 0.
+std::string RunProgram(const std::string& name, const std::string& program);
 
 // A command line or a program, and what it has to come to.
 struct Case {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tests/run_program.h"
+#include "tests/command.h"
 
 namespace tests {
 namespace {
@@ -164,7 +164,7 @@ MsgBox re.Match(mixed, True)(0) + Str(re.ExecuteMemory("xab", 1)) + re.TextMemor
 
 TEST(Listing, RunsAsTheHostWouldRunIt) {
   for (const auto& [listing, printed] : kRows) {
-    EXPECT_EQ(RunListing("listing", listing), printed) << listing;
+    EXPECT_EQ(RunProgram("listing.xojo_code", listing), printed) << listing;
   }
 }
 
@@ -220,7 +220,7 @@ constexpr Row kRefusals[] = {
 
 TEST(Listing, RefusesByLineAndName) {
   for (const auto& [listing, refusal] : kRefusals) {
-    EXPECT_EQ(RunListing("listing", listing),
+    EXPECT_EQ(RunProgram("listing.xojo_code", listing),
               "listing.xojo_code:" + std::string(refusal) + "\nexit 1")
         << listing;
   }

@@ -7,45 +7,53 @@
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "tests/terminal.h"
 
 namespace {
 
 using tests::Terminal;
+using std::string_literals::operator""s;
 
 constexpr const char* kEnter = "\r";
 constexpr const char* kInterrupt = "\x03";
 constexpr const char* kEndOfInput = "\x04";
 constexpr const char* kUp = "\x1b[A";
 
+std::string Read(const std::filesystem::path& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Keys, and what the terminal shows after them.
+struct Row {
+  std::string keys;
+  std::string shown;
+};
+
+// Keys mean something else after a row that failed, so that is the last one.
+void Follow(Terminal& terminal, const std::vector<Row>& rows) {
+  for (const auto& [keys, shown] : rows) {
+    if (testing::Test::HasFatalFailure()) return;
+    ASSERT_TRUE(terminal.Type(keys, shown)) << keys << "\n" << terminal.output();
+  }
+}
+
 class Prompt : public testing::Test {
  protected:
   ~Prompt() override { std::filesystem::remove_all(home_); }
 
-  std::string Command() const {
-    return "env -u XDG_STATE_HOME -u ZRKHOST_HISTORY HOME='" + home_.string() +
-           "' " ZRK_HOST_PROGRAM;
-  }
-  std::string History() const {
-    std::ifstream file(home_ / ".local/state/zrkhost/history");
-    return std::string(std::istreambuf_iterator<char>(file), {});
-  }
+  std::string History() const { return Read(home_ / ".local/state/zrkhost/history"); }
 
   const std::filesystem::path home_ =
       testing::TempDir() + "zrkhost_home_" + std::to_string(getpid());
-};
-
-// An entry, or keys, and what the terminal shows after them.
-struct Row {
-  const char* keys;
-  const char* shown;
+  const std::string command_ =
+      "env -u XDG_STATE_HOME -u ZRKHOST_HISTORY HOME='" + home_.string() + "' " ZRK_HOST_PROGRAM;
 };
 
 TEST_F(Prompt, RunsShowsAndDrawsMistakes) {
-  Terminal terminal(Command(), 160);
-  ASSERT_TRUE(terminal.Type("", "> "));
-  const Row rows[] = {
+  const std::vector<Row> entries = {
       {"'Käse' .. 1", "\nKäse1\r\n"},
       {"local re, two = RegExZRK(), 2", "> "},
       {"two + 40", "\n42\r\n"},
@@ -61,20 +69,17 @@ TEST_F(Prompt, RunsShowsAndDrawsMistakes) {
       {"host.string('\\xe4', 'Windows Latin-1')", "\n\"ä\" in Windows Latin-1, 1 byte\r\n"},
       {"for i = 2, 2 do\rprint(i * 21)\rend", "\n42\r\n"},
       {"print(1 2)", "')' expected near '2'\r\n  print(1 2)\r\n          ^\r\n"},
-      {"re:Foo()", "has no \"Foo\""},
-      {"", "\n  re:Foo()\r\n     ^\r\n"},
+      {"re:Foo()", "\n  re:Foo()\r\n     ^\r\n"},
       {"x.y = 1", "(global 'x')\r\n  x.y = 1\r\n  ^\r\n"},
       {"re:Offset(-1)", "OutOfBoundsException: Parameter index"},
       {"error('ouch', 0)", "\nouch\r\n"},
       {"help Study", "\n    Study as boolean"},
       {"help Studi", "has no \"Studi\"; it has:\r\n  Study as boolean"},
   };
-  for (const Row& row : rows) {
-    const std::string keys = std::string(row.keys) + (*row.keys ? kEnter : "");
-    EXPECT_TRUE(terminal.Type(keys, row.shown)) << row.keys << "\n" << terminal.output();
-  }
-  ASSERT_TRUE(terminal.Type("", "> "));  // before it the key would end nothing
-  EXPECT_TRUE(terminal.Type(kEndOfInput, "\n"));
+  Terminal terminal(command_, 160);
+  Follow(terminal, {{"", "> "}});
+  for (const Row& entry : entries) Follow(terminal, {{entry.keys + kEnter, entry.shown}});
+  Follow(terminal, {{"", "> "}, {kEndOfInput, "\n"}});  // before a prompt the key would end nothing
   EXPECT_EQ(terminal.Wait(), 0);
 }
 
@@ -86,88 +91,70 @@ std::string Between(const std::string& text, const std::string& first, const std
 }
 
 TEST_F(Prompt, TakesThePastedSessionOfTheReadme) {
-  std::ifstream file(ZRK_SOURCE_DIR "/README.md");
-  const std::string page(std::istreambuf_iterator<char>(file), {});
+  const std::string page = Read(ZRK_SOURCE_DIR "/README.md");
   const std::string session = Between(page, "```lua\n", "```");
   std::istringstream printed(Between(page, "```text\n", "```", page.find(session)));
-  Terminal terminal(Command(), 160);
-  ASSERT_TRUE(terminal.Type("", "> "));
-  ASSERT_TRUE(terminal.Type(session, "> "));
-  for (std::string line; std::getline(printed, line);) {
-    EXPECT_TRUE(terminal.Type("", line)) << line << "\n" << terminal.output();
-  }
+  Terminal terminal(command_, 160);
+  Follow(terminal, {{"", "> "}, {session, "> "}});
+  for (std::string line; std::getline(printed, line);) Follow(terminal, {{"", line}});
 }
 
 TEST_F(Prompt, CompletesNames) {
-  Terminal terminal(Command(), 120);
-  ASSERT_TRUE(terminal.Type("re = RegExZRK()\r", "> "));
-  const Row rows[] = {
-      {"re:esca\t'+')\r", "\n\\+\r\n"},
-      {"RegExZRK.errornom\t\r", "\n-1\r\n"},
-      {"string.forma\t('%d', 7)\r", "\n7\r\n"},
-      {"hos\t.memo\t('a')\r", "memory block, 1 byte"},
-      {"help exec\tMT\r", "\n    ExecuteMT(start as integer = 0) as integer"},
-      {"re.CompileOptionNewLine\t", "\nCompileOptionNewLineAny      CompileOptionNewLineCR "},
-  };
-  for (const Row& row : rows) {
-    EXPECT_TRUE(terminal.Type(row.keys, row.shown)) << row.keys << "\n" << terminal.output();
-  }
+  Terminal terminal(command_, 120);
+  Follow(terminal,
+         {{"re = RegExZRK()\r", "> "},
+          {"re:esca\t'+')\r", "\n\\+\r\n"},
+          {"RegExZRK.errornom\t\r", "\n-1\r\n"},
+          {"string.forma\t('%d', 7)\r", "\n7\r\n"},
+          {"hos\t.memo\t('a')\r", "memory block, 1 byte"},
+          {"help exec\tMT\r", "\n    ExecuteMT(start as integer = 0) as integer"},
+          {"re.CompileOptionNewLine\t", "\nCompileOptionNewLineAny      CompileOptionNewLineCR "}});
 }
 
 TEST_F(Prompt, KeepsItsHistoryAfterEachEntry) {
-  const std::string without_locale = "env LC_ALL=C " + Command();
+  const std::string without_locale = "env LC_ALL=C " + command_;
   {
     Terminal terminal(without_locale);
-    ASSERT_TRUE(terminal.Type("print('K' .. 'äse')\rprint('second')\r", "\nsecond\r\n"));
+    Follow(terminal, {{"print('K' .. 'äse')\rprint('second')\r", "\nsecond\r\n"}});
   }  // killed
   EXPECT_NE(History().find("second"), std::string::npos);
   Terminal terminal(without_locale);
-  ASSERT_TRUE(terminal.Type("", "> "));
-  EXPECT_TRUE(terminal.Type(std::string(kUp) + kUp + kEnter, "\nKäse\r\n")) << terminal.output();
+  Follow(terminal, {{"", "> "}, {kUp + ""s + kUp + kEnter, "\nKäse\r\n"}});
 }
 
 TEST_F(Prompt, StopsAtInterrupts) {
-  Terminal terminal(Command());
-  ASSERT_TRUE(terminal.Type("", "> "));
-  const std::string interrupt = kInterrupt;
-  const struct {
-    std::string keys;
-    const char* shown;
-  } steps[] = {
-      {"half a line" + interrupt, "^C\r\n"},
-      {"for i = 1, 2 do\r", ">> "},
-      {interrupt + "6 * 7\r", "\n42\r\n"},
-      {"print('run' .. 'ning') while true do end\r", "running"},
-      {interrupt, "interrupted\r\n"},
-      {"re = RegExZRK() re:Compile('.+x') s = ('a'):rep(3000000) print(#s)\r", "\n3000000\r\n"},
-      {"host.task(function() print('search' .. 'ing') end)\r", "> "},
-      {"re:ExecuteMT(s)\r", "searching"},
-      {interrupt, "Ctrl-C again ends zrkhost.\r\n"},
-      {interrupt, "\n"},
-  };
-  // Keys mean something else after a step that failed, so that is the last one.
-  for (const auto& step : steps) {
-    ASSERT_TRUE(terminal.Type(step.keys, step.shown)) << step.keys << "\n" << terminal.output();
-  }
+  Terminal terminal(command_);
+  Follow(terminal,
+         {{"", "> "},
+          {"half a line"s + kInterrupt, "^C\r\n"},
+          {"for i = 1, 2 do\r", ">> "},
+          {kInterrupt + "6 * 7\r"s, "\n42\r\n"},
+          {"print('run' .. 'ning') while true do end\r", "running"},
+          {kInterrupt, "interrupted\r\n"},
+          {"re = RegExZRK() re:Compile('.+x') s = ('a'):rep(3000000) print(#s)\r", "\n3000000\r\n"},
+          {"host.task(function() print('search' .. 'ing') end)\r", "> "},
+          {"re:ExecuteMT(s)\r", "searching"},
+          {kInterrupt, "Ctrl-C again ends zrkhost.\r\n"},
+          {kInterrupt, "\n"}});
   EXPECT_EQ(terminal.Wait(), 130);
   EXPECT_NE(History().find("re:ExecuteMT(s)"), std::string::npos) << "lost with the process";
 }
 
 // Without following the window the editor wraps lines where they no longer end.
 TEST_F(Prompt, FollowsTheWindow) {
-  Terminal terminal(Command(), 100);
-  ASSERT_TRUE(terminal.Type("", "> "));
+  Terminal terminal(command_, 100);
+  Follow(terminal, {{"", "> "}});
   terminal.Resize(30);
   const std::string word(40, 'w');
-  // The wrapped line is taken back as two rows: up, and cleared from there.
-  ASSERT_TRUE(terminal.Type("'" + word, std::string(27, 'w')));
-  ASSERT_TRUE(terminal.Type("\x15", "\x1b[A")) << terminal.output();
-  EXPECT_TRUE(terminal.Type("#'" + word + "'\r", "\n40\r\n")) << terminal.output();
+  Follow(terminal,
+         {{"'" + word, std::string(27, 'w')},
+          {"\x15", "\x1b[A"},  // the wrapped line is taken back as two rows: up, and cleared
+          {"#'" + word + "'\r", "\n40\r\n"}});
 }
 
 TEST(TryInATerminal, ColoursWhatItFinds) {
   Terminal terminal(ZRK_HOST_PROGRAM " try '(b)' -t 'Käb'");
-  EXPECT_TRUE(terminal.Type("", "Kä\x1b[32mb\x1b[0m\r\n")) << terminal.output();
+  Follow(terminal, {{"", "Kä\x1b[32mb\x1b[0m\r\n"}});
   EXPECT_EQ(terminal.Wait(), 0);
 }
 
@@ -175,8 +162,7 @@ TEST(TryInATerminal, ShowsThatItSearchesAndEndsAtAnInterrupt) {
   Terminal terminal(
       "env LC_ALL=C awk 'BEGIN { while (i++ < 300000) printf \"a\" }' | " ZRK_HOST_PROGRAM
       " try '.+x'");
-  EXPECT_TRUE(terminal.Type("", "searching the input: 0 %, 0 matches")) << terminal.output();
-  EXPECT_TRUE(terminal.Type(kInterrupt, "^C"));
+  Follow(terminal, {{"", "searching the input: 0 %, 0 matches"}, {kInterrupt, "^C"}});
   EXPECT_NE(terminal.Wait(), 0);
 }
 

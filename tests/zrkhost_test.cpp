@@ -1,41 +1,18 @@
 // zrkhost as its users meet it: command lines, exit statuses, and what Lua programs see.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <sstream>
+#include <regex>
 #include <string>
-#include <vector>
 
-#include "standin/host.h"
-#include "standin/library.h"
 #include "tests/command.h"
 #include "tests/session.h"
 
 namespace {
 
-using namespace standin;
 using namespace tests;
-using testing::TempDir;
 
 Ran Lua(const std::string& code, const std::string& options = "") {
   return ZRKHost(options + " -e " + Quoted(code));
-}
-
-std::size_t Occurrences(const std::string& text, const std::string& part) {
-  std::size_t count = 0;
-  for (auto at = text.find(part); at != text.npos; at = text.find(part, at + 1)) ++count;
-  return count;
-}
-
-std::string LibraryThatIsNoPlugin() {
-  Dl_info info = {};
-  dladdr(dlsym(RTLD_DEFAULT, "gnu_get_libc_version"), &info);
-  return info.dli_fname ? info.dli_fname : "";
 }
 
 TEST(ZRKHost, AnswersCommandLines) {
@@ -51,6 +28,7 @@ TEST(ZRKHost, AnswersCommandLines) {
       {"help Studi", 1, "no \"Studi\"; it has:\n  Study as boolean\n"},
       {"help study", 0, "    Study as boolean\n\n"},
       {"help constants", 0, "\nErrorNoMatch  "},
+      {"--without Nothing", 2, "\"Nothing\" is no service; there are:\n  PluginDisposeStringData"},
   };
   for (const Case& row : cases) Check(row, ZRKHost(row.given));
   const std::string code = Quoted("print(arg[0], #arg, ...)");
@@ -66,21 +44,13 @@ TEST(ZRKHost, RefusesWithOneLineWhatItCannotStart) {
       {"--describe=xml", 2, "text, markdown and json"},
       {"--library /nowhere.so", 2, "/nowhere.so: no such file"},
       {"--library " __FILE__, 2, "cannot be loaded"},
-      {"--library " + LibraryThatIsNoPlugin(), 2, "no plugin"},
+      {"--library $(ldd " ZRK_HOST_PROGRAM " | grep -o '/.*/libc\\.so\\.6')", 2, "no plugin"},
   };
   for (const Case& row : cases) {
     const Ran ran = ZRKHost(row.given);
     Check(row, ran);
-    EXPECT_EQ(Occurrences(ran.output, "\n"), 1U) << ran.output;
-    EXPECT_TRUE(ran.output.starts_with("zrkhost: ")) << ran.output;
+    EXPECT_TRUE(std::regex_match(ran.output, std::regex("zrkhost: .*\n"))) << ran.output;
   }
-}
-
-TEST(ZRKHost, FindsServicesInAnyCaseOrListsThem) {
-  Check({"", 2, "\"Nothing\" is no service; there are:\n  PluginDisposeStringData\n"},
-        ZRKHost("--without Nothing"));
-  Check({"", 3, "was never given back"},
-        Lua("RegExZRK():Compile('abc')", "--without realunlockSTRING"));
 }
 
 TEST(ZRKHost, SaysWhenItsOutputCannotBeWritten) {
@@ -91,76 +61,97 @@ TEST(ZRKHost, SaysWhenItsOutputCannotBeWritten) {
   }
 }
 
-TEST(ZRKHost, ExitsAsTheProgramWent) {
+// Programs that have an object `re`, their exit status, and something that they print.
+TEST(ZRKHost, ExitsAsTheProgramWentAndSaysWhy) {
   const Case cases[] = {
       {"return", 0, ""},
       {"local function f() error('ouch') end f()", 1, "1: ouch\nstack traceback:"},
       {"if", 1, "near <eof>"},
-      {"RegExZRK():Offset(0, 1)", 1, "Offset(integer, integer) fits no declaration"},
-      {"RegExZRK():Offset(-1)", 1,
-       "zrkhost: (command line):1: OutOfBoundsException: Parameter index"},
+      {"re:Offset(-1)", 1, "zrkhost: (command line):1: OutOfBoundsException: Parameter index"},
       {"os.exit(5)", 5, ""},
       {"os.exit(true)", 0, ""},
       {"os.exit(false)", 1, ""},
-      {"host.task(function() os.exit(6) end) re = RegExZRK() re:Compile('a') re:ExecuteMT('a')", 6,
-       ""},
-      {"re = RegExZRK() re:Compile('a') re:Execute('a')", 0, ""},
+      {"host.task(function() os.exit(6) end) re:Compile('a') re:ExecuteMT('a')", 6, ""},
       {"host.task(function() error('late') end) host.yield() print('on')", 1, "late\nstack"},
       {"host.task(function() while true do host.yield() end end) host.yield()", 0, ""},
+      // After a wrong call the declarations help.
+      {"re:Compiel('a')", 1,
+       "no \"Compiel\"; it has:\n  Compile(pattern as string) as boolean\nst"},
+      {"re.MatchLimits = 1", 1, "no \"MatchLimits\"; it has:\n  MatchLimit as Integer"},
+      {"re:Frobnicate()", 1, " Unescape, InfoStudySize,"},
+      {"re:Compile(1)", 1, "Compile(integer) fits no declaration: Compile(pattern as string)"},
+      {"re:Offset(0, 1)", 1, "Offset(integer, integer) fits no declaration"},
+      {"re:Execute({})", 1, "Execute(start as integer = 0) as integer; Execute(text as string,"},
+      {"re:Match(nil)", 1, "Match(nil) fits more than one declaration"},
+      {"re.Compile('a')", 1, "Compile is called with a colon"},
+      {"re:Offset(1 << 31)", 1, "2147483648 does not fit the host's Integer"},
+      {"re:Execute(print)", 1, "the host has no value like a Lua function"},
+      {"re.Count = 1", 1, "Count as Integer is read-only"},
+      {"re.MatchLimit = 'many'", 1, "MatchLimit as Integer takes no string"},
+      {"RegExZRK.Match()", 1, "RegExZRK itself has \"new\" and constants"},
+      {"RegExZRK.ErrorNoMatch = 1", 1, "takes no new members"},
+      {"RegExZRK('x')", 1, "Constructor(string) fits no declaration"},
+      {"host.string('a', 'EBCDIC')", 1, "there are: UTF-8, UTF-16, UTF-32, ASCII"},
+      {"host.memoryblock('abc'):read(2, 2)", 1, "not all in a block of 3 bytes"},
+      {"host.memoryblock('abc'):byte(-1)", 1, "not all in a block of 3 bytes"},
+      {"host.variantarray{{}}", 1, "arrays hold no arrays"},
+      {"host.null('integer')", 1, "integer has no nil"},
   };
-  for (const Case& row : cases) Check(row, Lua(row.given));
+  for (const Case& row : cases) Check(row, Lua("re = RegExZRK() " + row.given));
   const Case unbalanced[] = {
-      {"re = RegExZRK() re:Compile('abc')", 3, "\"abc\": 1 reference was never given"},
-      {"re = RegExZRK() re:Compile('abc') os.exit()", 3, "REALLockString"},
-      {"re = RegExZRK() re:Compile('abc') os.exit(5)", 5, "do not balance"},
-      {"re = RegExZRK() re:Compile('abc') error()", 1, "do not balance"},
+      {"", 3, "\"abc\": 1 reference was never given"},
+      {"os.exit()", 3, "REALLockString"},
+      {"os.exit(5)", 5, "do not balance"},
+      {"error()", 1, "do not balance"},
   };
-  for (const Case& row : unbalanced) Check(row, Lua(row.given, "--without REALUnlockString"));
+  for (const Case& row : unbalanced) {
+    Check(row, Lua("re = RegExZRK() re:Compile('abc') " + row.given, "--without realunlockSTRING"));
+  }
 }
 
 TEST(ZRKHost, DescribesTheWholeClass) {
-  tests::Session session;
+  Session session;
   const standin::ClassInfo& registered = *session.host.FindClass("RegExZRK");
-  const std::size_t methods = registered.methods().size();
-  const std::size_t properties = registered.properties().size();
-  const std::size_t constants = registered.constants().size();
-  const std::string text = ZRKHost("--describe").output;
-  const auto shows = [&](const std::string& line) {
-    EXPECT_NE(text.find('\n' + line + '\n'), std::string::npos) << line << '\n' << text;
+  const std::size_t members =
+      registered.methods().size() + registered.properties().size() + registered.constants().size();
+  const struct {
+    const char* format;
+    const char* each;  // stands once for each member
+    const char* one;   // stands for one of them
+  } rows[] = {
+      {"text", "\n  ", "\n  Count as Integer, read only\n"},
+      {"markdown", "\n\\| `", "\n| `ErrorPlugin = -99` |\n"},
+      {"json", "\"(declaration|writable|value)\": ", R"(string = \"\") as string"})"},
+      {"json", "\"(declaration|writable|value)\": ",
+       R"({"name": "inverse", "type": "boolean", "default": false}])"},
   };
-  shows("Methods (" + std::to_string(methods) + ')');
-  shows("Properties (" + std::to_string(properties) + ')');
-  shows("Constants (" + std::to_string(constants) + ')');
-  shows("  Version as string");
-  shows("  Count as Integer, read only");
-  shows("  ErrorPlugin = -99");
-  const std::size_t members = methods + properties + constants;
-  EXPECT_EQ(Occurrences(text, "\n  "), members);
-  EXPECT_EQ(Occurrences(ZRKHost("--describe=markdown").output, "\n| `"), members);
-  const std::string json = ZRKHost("--describe=json --host 2011").output;
-  EXPECT_EQ(Occurrences(json, R"("declaration": )"), methods);
-  EXPECT_EQ(Occurrences(json, R"("writable": )"), properties);
-  EXPECT_EQ(Occurrences(json, R"("value": )"), constants);
-  EXPECT_NE(json.find(R"(string = \"\") as string")"), std::string::npos);
-  EXPECT_NE(json.find(R"({"name": "inverse", "type": "boolean", "default": false}])"),
-            std::string::npos);
+  for (const auto& row : rows) {
+    const std::string text = ZRKHost("--host 2011 --describe=" + std::string(row.format)).output;
+    const std::regex each(row.each);
+    EXPECT_EQ(std::distance(std::sregex_iterator(text.begin(), text.end(), each), {}), members);
+    EXPECT_NE(text.find(row.one), text.npos) << text;
+  }
 }
 
 TEST(ZRKHost, ShowsServicesAndTheirAbsence) {
+  const Case cases[] = {
+      {"--trace | grep -c '^> RegExZRK.Match(string array #'", 0, "1\n"},
+      {"--trace | grep -c 'string array getter('", 1, "0\n"},
+      {"--trace --no-direct-storage | grep -c 'string array getter('", 0, "2\n"},
+      {"--without PluginStringArrayInsertProc --without RuntimeArrayDirectGetInsertProc", 0, "0\n"},
+  };
   const std::string filter = "re = RegExZRK() re:Compile('a') print(#re:Match{'a', 'b'})";
-  const std::string trace = Lua(filter, "--host 2013 --trace").output;
-  EXPECT_NE(trace.find("> RegExZRK.Match(string array #"), std::string::npos) << trace;
-  EXPECT_EQ(trace.find("string array getter("), std::string::npos) << trace;
-  const std::string indirect = Lua(filter, "--host 2013 --trace --no-direct-storage").output;
-  EXPECT_NE(indirect.find("string array getter("), std::string::npos);
-  const std::string no_insert =
-      "--without PluginStringArrayInsertProc --without RuntimeArrayDirectGetInsertProc";
-  EXPECT_EQ(Lua(filter, no_insert).output, "0\n");
+  for (const Case& row : cases) {
+    Check(row, ZRKHost("--host 2013 -e " + Quoted(filter) + " 2>&1 " + row.given));
+  }
 }
 
-// Programs that print, on a compiled object `re`.
-TEST(ZRKHost, CarriesValuesBothWays) {
-  const std::map<std::string, std::string> cases = {
+// Programs that have an object `re` with a pattern, and all that they print.
+TEST(ZRKHost, CarriesValuesBothWaysAndGivesTasksTheirTurns) {
+  const struct {
+    const char* code;
+    const char* printed;
+  } rows[] = {
       {"print(re:Execute('xab'), re.Count, re:Substring('n'), re:Offset(2))", "2\t2\ta\t1\n"},
       {"print(RegExZRK.ErrorNoMatch, re.ErrorNoMatch, regexzrk)", "-1\t-1\tnil\n"},
       {"print(re.VECTORSIZE, re:offset(0), RegExZRK(99).VectorSize)", "51\t0\t99\n"},
@@ -190,90 +181,9 @@ TEST(ZRKHost, CarriesValuesBothWays) {
       {"re = nil collectgarbage() print(#host.problems())", "0\n"},
       {"local t = host.clock() print(math.type(t), host.clock() >= t, host.isatty())",
        "float\ttrue\tfalse\n"},
-  };
-  for (const auto& [code, output] : cases) {
-    SCOPED_TRACE(code);
-    const Ran ran = Lua("re = RegExZRK.new() re:Compile('(?<n>a)') " + code);
-    EXPECT_EQ(ran.output, output);
-    EXPECT_EQ(ran.status, 0);
-  }
-}
-
-TEST(ZRKHost, NamesTheDeclarationsAfterAWrongCall) {
-  const Case cases[] = {
-      {"re:Compiel('a')", 1,
-       "no \"Compiel\"; it has:\n  Compile(pattern as string) as boolean\nst"},
-      {"re.MatchLimits = 1", 1, "no \"MatchLimits\"; it has:\n  MatchLimit as Integer"},
-      {"re:Frobnicate()", 1, " Unescape, InfoStudySize,"},
-      {"re:Compile(1)", 1, "Compile(integer) fits no declaration: Compile(pattern as string)"},
-      {"re:Execute({})", 1, "Execute(start as integer = 0) as integer; Execute(text as string,"},
-      {"re:Match(nil)", 1, "Match(nil) fits more than one declaration"},
-      {"re.Compile('a')", 1, "Compile is called with a colon"},
-      {"re:Offset(1 << 31)", 1, "2147483648 does not fit the host's Integer"},
-      {"re:Execute(print)", 1, "the host has no value like a Lua function"},
-      {"re.Count = 1", 1, "Count as Integer is read-only"},
-      {"re.MatchLimit = 'many'", 1, "MatchLimit as Integer takes no string"},
-      {"RegExZRK.Match()", 1, "RegExZRK itself has \"new\" and constants"},
-      {"RegExZRK.ErrorNoMatch = 1", 1, "takes no new members"},
-      {"RegExZRK('x')", 1, "Constructor(string) fits no declaration"},
-      {"host.string('a', 'EBCDIC')", 1, "there are: UTF-8, UTF-16, UTF-32, ASCII"},
-      {"host.memoryblock('abc'):read(2, 2)", 1, "not all in a block of 3 bytes"},
-      {"host.memoryblock('abc'):byte(-1)", 1, "not all in a block of 3 bytes"},
-      {"host.variantarray{{}}", 1, "arrays hold no arrays"},
-      {"host.null('integer')", 1, "integer has no nil"},
-  };
-  for (const Case& row : cases) Check(row, Lua("re = RegExZRK() " + row.given));
-}
-
-// Lua for a value that fits the type.
-std::string Sample(const Type& type) {
-  const std::map<Kind, std::string> samples = {
-      {Kind::kInteger, "0"},         {Kind::kBoolean, "true"},
-      {Kind::kString, "'a'"},        {Kind::kMemoryBlock, "host.memoryblock('a\\0')"},
-      {Kind::kStringArray, "{'a'}"}, {Kind::kVariantArray, "{1}"}};
-  return samples.at(type.kind);
-}
-
-TEST(ZRKHost, ReachesEveryMember) {
-  standin::Host host;
-  standin::Library library(ZRK_LIBRARY_PATH);
-  library.Start(host);
-  const standin::ClassInfo& info = *host.FindClass("RegExZRK");
-  std::ostringstream script;
-  script << "local re = RegExZRK() re:Compile('a') local n = 0\n";
-  for (const auto& method : info.methods()) {
-    // Objects are constructed once, when they are made.
-    const bool makes = method.declaration.name == "Constructor";
-    script << (makes ? "RegExZRK.new" : "re:" + method.declaration.name) << "(";
-    const auto& parameters = method.declaration.parameters;
-    for (const auto& parameter : parameters) {
-      script << (&parameter == parameters.data() ? "" : ", ") << Sample(parameter.type);
-    }
-    script << ") n = n + 1\n";
-  }
-  for (const auto& property : info.properties()) {
-    script << "local value = re." << property.name << " n = n + 1\n";
-    if (property.setter) script << "re." << property.name << " = value\n";
-  }
-  for (const auto& constant : info.constants()) {
-    script << "assert(RegExZRK." << constant.text.substr(0, constant.text.find(' '))
-           << " == " << std::get<std::int32_t>(constant.declaration.value) << ") n = n + 1\n";
-  }
-  const std::string file = TempDir() + "every_member_" + std::to_string(getpid()) + ".lua";
-  std::ofstream(file) << "do " << script.str() << " print(n) end";
-  const Ran ran = ZRKHost(file);
-  const std::size_t members =
-      info.methods().size() + info.properties().size() + info.constants().size();
-  EXPECT_EQ(ran.output, std::to_string(members) + '\n');
-  EXPECT_EQ(ran.status, 0);
-  std::filesystem::remove(file);
-}
-
-TEST(ZRKHost, GivesTasksTheirTurns) {
-  const std::map<std::string, std::string> cases = {
       // At least two yields in every threaded call, one turn in each.
       {"n = 0 host.task(function() while n < 2 do n = n + 1 coroutine.yield() end end) "
-       "re:ExecuteMT('a') print(n)",
+       "re:ExecuteMT('x') print(n)",
        "2\n"},
       {"for i = 1, 2 do host.task(function() for k = 1, 2 do io.write(i, k, ' ') host.yield() end "
        "end) end while host.yield() do end print()",
@@ -281,7 +191,11 @@ TEST(ZRKHost, GivesTasksTheirTurns) {
       // A task that starts a threaded call of its own: the others still get their turns.
       {"host.task(function() local own = RegExZRK() own:Compile('b') print(own:ExecuteMT('b')) "
        "end) host.task(function() print('turn') end) print(re:ExecuteMT('a'))",
-       "turn\n1\n1\n"},
+       "turn\n1\n2\n"},
+      // What is raised in a task stays there.
+      {"host.task(function() print((pcall(RegExZRK().Offset, RegExZRK(), 51))) end) "
+       "print(pcall(re.ExecuteMT, re, 'a'))",
+       "false\ntrue\t2\n"},
       // An object belongs to one task at a time.
       {"host.task(function() print(pcall(function() return re.Count end)) "
        "print(pcall(re.Substring, re, 0)) end) re:ExecuteMT('a')",
@@ -290,15 +204,18 @@ TEST(ZRKHost, GivesTasksTheirTurns) {
        "false\tRegExZRK.Substring while another task waits for ExecuteMT of the same object: an "
        "object belongs to one task at a time\n"},
   };
-  for (const auto& [code, output] : cases) {
-    SCOPED_TRACE(code);
-    EXPECT_EQ(Lua("re = RegExZRK() re:Compile('a') " + code).output, output);
+  for (const auto& [code, printed] : rows) {
+    const Ran ran = Lua("re = RegExZRK.new() re:Compile('(?<n>a)') " + std::string(code));
+    EXPECT_EQ(ran.output, printed) << code;
+    EXPECT_EQ(ran.status, 0) << code;
   }
 }
 
-// Words of a command line, and the choices that the shell is given for the last one.
 TEST(ZRKHost, CompletesItsCommandLineInBash) {
-  const std::map<std::string, std::string> cases = {
+  const struct {
+    const char* words;
+    const char* choices;  // for the last word
+  } rows[] = {
       {"zrkhost tr", "try"},
       {"zrkhost --no-d", "--no-direct-storage"},
       {"zrkhost --without REALUnlockS", "REALUnlockString"},
@@ -306,14 +223,12 @@ TEST(ZRKHost, CompletesItsCommandLineInBash) {
       {"zrkhost try --only", "--only-matching"},
       {"zrkhost try --CompileOptionUng", "--CompileOptionUngreedy"},
   };
-  for (const auto& [words, choices] : cases) {
-    const Ran ran = Shell(
-        "bash -c " + Quoted("PATH=$(dirname " ZRK_HOST_PROGRAM "):$PATH; source " ZRK_SOURCE_DIR
-                            "/standin/zrkhost/completions/zrkhost.bash; COMP_WORDS=(" +
-                            words +
-                            "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _zrkhost; "
-                            "echo \"${COMPREPLY[*]}\""));
-    EXPECT_EQ(ran.output, choices + "\n") << words;
+  for (const auto& [words, choices] : rows) {
+    const std::string script =
+        "PATH=$(dirname " ZRK_HOST_PROGRAM "):$PATH; COMP_WORDS=(" + std::string(words) +
+        "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); . " ZRK_SOURCE_DIR
+        "/standin/zrkhost/completions/zrkhost.bash; _zrkhost; echo \"${COMPREPLY[*]}\"";
+    EXPECT_EQ(Shell("bash -c " + Quoted(script)).output, std::string(choices) + "\n") << words;
   }
 }
 

@@ -66,19 +66,9 @@ function wronglyColoured() {
 
 function contents() {
   return {
-    ids: [...document.querySelectorAll('[id]')].map((element) => element.id),
-    links: [...document.querySelectorAll('a[href], link[href], script[src]')].map((element) => element.href || element.src),
     missing: [...document.images].filter((image) => !image.naturalWidth).map((image) => image.src),
     words: document.body.innerText.length,
     navigation: [...document.querySelectorAll('#pages a')].filter((link) => link.getClientRects().length).length,
     foot: document.getElementById('foot').innerText.trim(),
   };
 }
-
-// The names that the list of members shows.
-function shownMembers() {
-  return [...document.querySelectorAll('#members li')].filter((item) => item.getClientRects().length)
-    .map((item) => item.querySelector('a').innerText);
-}
-
-module.exports = { tooWide, hardToRead, wronglyColoured, contents, shownMembers };

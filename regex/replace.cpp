@@ -1,13 +1,12 @@
 #include "regex/replace.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <optional>
-#include <stdexcept>
 #include <string_view>
 
-#include "regex/match_record.h"
 #include "regex/match_walk.h"
 #include "regex/replacement.h"
 #include "regex/subject.h"
@@ -17,18 +16,36 @@ namespace zrk {
 
 namespace {
 
-using Buffer = std::unique_ptr<char[]>;
+constexpr std::int64_t kLargestResult = INT32_MAX - 5;
 
-// Room for that many bytes and what Append may write past them; null past the largest host string.
-// Throws std::bad_alloc.
-Buffer MakeBuffer(std::int64_t size) {
-  constexpr std::int64_t kSpareBytes = 5;
-  if (size + kSpareBytes > INT32_MAX) return nullptr;
-  return Buffer(new char[static_cast<std::size_t>(size + kCopyWidth)]);
-}
+// The memory that a result is put together in. A short one needs no allocation.
+class Room {
+ public:
+  char* data() { return long_ != nullptr ? long_.get() : short_; }
+  std::int64_t size() const { return size_; }
 
-std::string_view Written(const Buffer& buffer, const char* end) {
-  return {buffer.get(), static_cast<std::size_t>(end - buffer.get())};
+  // Makes it hold so many bytes, besides what Append may write past them; its first `used` bytes
+  // stay. False past the largest result and where memory ends.
+  bool Grow(std::int64_t size, std::size_t used = 0) {
+    if (size > kLargestResult) return false;
+    if (size <= size_) return true;
+    std::unique_ptr<char[]> larger(
+        new (std::nothrow) char[static_cast<std::size_t>(size + kCopyWidth)]);
+    if (larger == nullptr) return false;
+    std::memcpy(larger.get(), data(), used);
+    long_ = std::move(larger);
+    size_ = size;
+    return true;
+  }
+
+ private:
+  char short_[1024 + kCopyWidth];
+  std::unique_ptr<char[]> long_;
+  std::int64_t size_ = sizeof short_ - kCopyWidth;
+};
+
+std::string_view Between(const char* begin, const char* end) {
+  return {begin, static_cast<std::size_t>(end - begin)};
 }
 
 // Runs a replace method: the object must be initialised and have a pattern, and Lasterror is 0 only
@@ -43,8 +60,6 @@ REALstringStruct* RunReplace(RegExClassData& data, Body body) {
     if (result != nullptr) data.Lasterror = 0;
     return result;
   } catch (const std::bad_alloc&) {
-    return nullptr;
-  } catch (const std::length_error&) {  // in 32 bits a text can hold more groups than a vector
     return nullptr;
   }
 }
@@ -68,13 +83,13 @@ REALstringStruct* BuildReplacement(const MatchResult& match, std::string_view ne
                                    const Surroundings& around) {
   const Replacement replacement(new_text, match.pairs - 1);
   const auto length = static_cast<std::int64_t>(around.before.size() + around.after.size());
-  const Buffer buffer = MakeBuffer(length + replacement.LengthFor(match));
-  if (buffer == nullptr) return nullptr;
+  Room room;
+  if (!room.Grow(length + replacement.LengthFor(match))) return nullptr;
   const char* const subject_end = match.subject + match.length;
-  char* end = Append(around.before, subject_end, buffer.get());
+  char* end = Append(around.before, subject_end, room.data());
   end = replacement.WriteFor(match, end);
   end = Append(around.after, subject_end, end);
-  const std::string_view text = Written(buffer, end);
+  const std::string_view text = Between(room.data(), end);
   return BuildUTF8(text.substr(0, text.find('\0')));
 }
 
@@ -99,24 +114,38 @@ REALstringStruct* ReplaceMatch(RegExClassData& data, REALstringStruct* new_text,
 // a match begins before the last one ended or after its own end.
 class Builder {
  public:
-  Builder(char* out, std::string_view target) : end_(out), target_(target) {}
+  explicit Builder(std::string_view target)
+      : target_(target), size_(static_cast<std::int64_t>(target.size())) {}
 
-  void Replace(const MatchResult& match, const Replacement& replacement) {
-    CopyTo(match[0].start);
+  // The length of the target and all replacements so far, which the result cannot exceed.
+  std::int64_t size() const { return size_; }
+  bool HasRoomFor(std::int64_t length) const { return size_ + length <= room_.size(); }
+  // Makes room for a result of that size. False past the largest one and where memory ends.
+  bool MakeRoom(std::int64_t size) {
+    const std::string_view built = Built();
+    if (!room_.Grow(size, built.size())) return false;
+    end_ = room_.data() + built.size();
+    return true;
+  }
+
+  // There must be room for the replacement, which has that length.
+  void Replace(const MatchResult& match, const Replacement& replacement, std::int64_t length) {
+    Delete(match);
     end_ = replacement.WriteFor(match, end_);
-    copied_ = std::max(copied_, match[0].end);
+    size_ += length;
   }
   void Delete(const MatchResult& match) {
     CopyTo(match[0].start);
     copied_ = std::max(copied_, match[0].end);
   }
-  // Adds the rest of the target and answers where the result ends.
-  const char* Finish() {
+  // Adds the rest of the target and answers the result.
+  std::string_view Finish() {
     CopyTo(static_cast<std::int32_t>(target_.size()));
-    return end_;
+    return Built();
   }
 
  private:
+  std::string_view Built() { return Between(room_.data(), end_); }
   void CopyTo(std::int32_t offset) {
     if (offset <= copied_) return;
     const auto length = static_cast<std::size_t>(offset - copied_);
@@ -124,22 +153,20 @@ class Builder {
     copied_ = offset;
   }
 
-  char* end_;
   std::string_view target_;
+  std::int64_t size_;
   std::int32_t copied_ = 0;
+  Room room_;
+  char* end_ = room_.data();
 };
 
-// The sizing pass, from the match on that the walk has found: adds up what the matches need and
-// records them. Where the record ends, `unrecorded` takes a copy of the walk as it stands at the
-// first match left out. Stops where no host string holds that much, before the sum leaves its type.
-std::int64_t MeasureMatches(MatchWalk& walk, const Replacement& replacement, MatchRecord& record,
-                            std::optional<MatchWalk>& unrecorded) {
-  std::int64_t size = 0;
-  do {
-    size += replacement.LengthFor(walk.match());
-    if (!unrecorded && !record.Add(walk.match())) unrecorded = walk;
-  } while (size <= INT32_MAX && walk.Next());
-  return size;
+// The length of the replacements from the walk's match on. Stops where no host string holds that
+// much, before the sum leaves its type.
+std::int64_t LengthOfRest(MatchWalk walk, const Replacement& replacement) {
+  std::int64_t length = 0;
+  do length += replacement.LengthFor(walk.match());
+  while (length <= kLargestResult && walk.Next());
+  return length;
 }
 
 // How many groups the pattern has besides group 0.
@@ -151,16 +178,18 @@ std::int32_t GroupsOf(const RegExClassData& data) {
 
 REALstringStruct* DeleteMatches(RegExClassData& data, rbText& target) {
   const std::string_view bytes = target.UTF8();
-  const Buffer buffer = MakeBuffer(static_cast<std::int64_t>(bytes.size()));
-  if (buffer == nullptr) return nullptr;
-  Builder builder(buffer.get(), bytes);
+  Builder builder(bytes);
+  if (!builder.MakeRoom(builder.size())) return nullptr;
   MatchWalk walk(data, target);
   while (walk.Next()) builder.Delete(walk.match());
   data.Count = walk.calls();
-  return BuildUTF8(Written(buffer, builder.Finish()));
+  return BuildUTF8(builder.Finish());
 }
 
+// Most results find room in a multiple of the target, of which only what is written costs memory.
+// Where one does not, or there is no such memory, the rest is walked through for its size first.
 REALstringStruct* ReplaceMatches(RegExClassData& data, rbText& target, std::string_view new_text) {
+  constexpr std::int64_t kUsualGrowth = 64 << 20;
   const std::string_view bytes = target.UTF8();
   MatchWalk walk(data, target);
   if (!walk.Next()) {
@@ -168,22 +197,19 @@ REALstringStruct* ReplaceMatches(RegExClassData& data, rbText& target, std::stri
     return BuildUTF8(bytes);
   }
   const Replacement replacement(new_text, GroupsOf(data) + 1);
-  MatchRecord record(replacement.groups(), bytes.size());
-  std::optional<MatchWalk> unrecorded;
-  const auto length = static_cast<std::int64_t>(bytes.size());
-  const Buffer buffer = MakeBuffer(length + MeasureMatches(walk, replacement, record, unrecorded));
-  if (buffer == nullptr) return nullptr;
-
-  Builder builder(buffer.get(), bytes);
-  MatchRecord::Reader recorded(record);
-  while (recorded.Next()) builder.Replace(recorded.Over(walk.match()), replacement);
-  if (unrecorded) {
-    // A match that the first pass had no stack for may be found now, but there is no room for it.
-    do builder.Replace(unrecorded->match(), replacement);
-    while (unrecorded->matches() < walk.matches() && unrecorded->Next());
-  }
+  Builder builder(bytes);
+  const std::int64_t size = builder.size();
+  builder.MakeRoom(std::min({8 * size, 2 * size + kUsualGrowth, kLargestResult}));
+  do {
+    const std::int64_t length = replacement.LengthFor(walk.match());
+    if (!builder.HasRoomFor(length) &&
+        !builder.MakeRoom(builder.size() + LengthOfRest(walk, replacement))) {
+      return nullptr;
+    }
+    builder.Replace(walk.match(), replacement, length);
+  } while (walk.Next());
   data.Count = walk.calls();
-  return BuildUTF8(Written(buffer, builder.Finish()));
+  return BuildUTF8(builder.Finish());
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "regex/replacement.h"
 
 #include <algorithm>
-#include <bitset>
 
 namespace zrk {
 
@@ -28,59 +27,55 @@ char Unescaped(char byte) {
 }  // namespace
 
 Replacement::Replacement(std::string_view text, std::int32_t group_bound) {
-  // Each group takes a backslash and a digit at least.
-  const auto escapes = static_cast<std::size_t>(std::ranges::count(text, kEscape));
-  insertions_.reserve(std::min(escapes, text.size() / 2));
-  literals_.reserve(text.size() + kCopyWidth);
+  if (text.size() > kShortText) {
+    const auto escapes = static_cast<std::size_t>(std::ranges::count(text, kEscape));
+    long_insertions_.reset(new Insertion[std::min(escapes, text.size() / 2)]);
+    long_literals_.reset(new char[text.size() + kCopyWidth]);
+    insertions_ = long_insertions_.get();
+    literals_ = long_literals_.get();
+  }
   Split(text, group_bound);
-  ListGroups();
-  literal_length_ = literals_.size();
-  literals_.append(kCopyWidth, '\0');
 }
 
 void Replacement::Split(std::string_view text, std::int32_t group_bound) {
-  std::size_t last_insertion = 0;  // in literals_
-  for (std::size_t at = 0;;) {
+  char* out = literals_;
+  const char* after_insertion = out;
+  for (std::size_t at = 0; at < text.size();) {
     const std::size_t escape = std::min(text.find(kEscape, at), text.size());
-    literals_.append(text, at, escape - at);
-    if (escape == text.size()) return;
-    if (escape + 1 == text.size()) return literals_.push_back('\0');
-    const char escaped = text[escape + 1];
+    out = std::copy(text.begin() + at, text.begin() + escape, out);
+    if (escape == text.size()) break;
     at = escape + 2;
+    if (at > text.size()) {
+      *out++ = '\0';
+      break;
+    }
+    const char escaped = text[escape + 1];
     if (!IsDigit(escaped)) {
-      literals_.push_back(Unescaped(escaped));
+      *out++ = Unescaped(escaped);
       continue;
     }
     std::int32_t group = escaped - '0';
     if (at < text.size() && IsDigit(text[at])) group = 10 * group + (text[at++] - '0');
     if (group >= group_bound) continue;
-    insertions_.push_back({static_cast<std::uint32_t>(literals_.size() - last_insertion), group});
-    last_insertion = literals_.size();
+    insertions_[insertion_count_++] = {static_cast<std::uint32_t>(out - after_insertion), group};
+    after_insertion = out;
   }
-}
-
-void Replacement::ListGroups() {
-  std::bitset<kNamableGroups> named;
-  for (const Insertion& insertion : insertions_) {
-    const auto group = static_cast<std::size_t>(insertion.group);
-    if (group == 0 || named[group]) continue;
-    named.set(group);
-    groups_[group_count_++] = insertion.group;
-  }
+  literal_length_ = static_cast<std::size_t>(out - literals_);
+  std::memset(out, 0, kCopyWidth);
 }
 
 std::int64_t Replacement::LengthFor(const MatchResult& match) const {
   // More than a size of 32 bits holds: many groups of a long text.
   std::uint64_t length = literal_length_;
-  for (const Insertion& insertion : insertions_) length += match.Text(insertion.group).size();
+  for (const Insertion& insertion : insertions()) length += match.Text(insertion.group).size();
   return static_cast<std::int64_t>(length);
 }
 
 char* Replacement::WriteFor(const MatchResult& match, char* out) const {
   const char* const subject_end = match.subject + match.length;
-  const char* const readable_end = literals_.data() + literals_.size();
-  std::string_view rest(literals_.data(), literal_length_);
-  for (const Insertion& insertion : insertions_) {
+  const char* const readable_end = literals_ + literal_length_ + kCopyWidth;
+  std::string_view rest(literals_, literal_length_);
+  for (const Insertion& insertion : insertions()) {
     out = Append(rest.substr(0, insertion.literal_length), readable_end, out);
     out = Append(match.Text(insertion.group), subject_end, out);
     rest.remove_prefix(insertion.literal_length);

@@ -8,11 +8,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <memory_resource>
+#include <memory>
 #include <span>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "regex/match_result.h"
 
@@ -39,16 +37,10 @@ inline char* Append(std::string_view bytes, const char* readable_end, char* out)
 // five times the text's length in memory.
 class Replacement {
  public:
-  // Two digits name a group.
-  static constexpr std::int32_t kNamableGroups = 100;
-
   // Groups from group_bound on read as empty. Throws std::bad_alloc.
   Replacement(std::string_view text, std::int32_t group_bound);
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;
-
-  // The groups above 0 that it names, each once.
-  std::span<const std::int32_t> groups() const { return {groups_, group_count_}; }
 
   // The length in bytes of the text for a match, and the text itself, written at out; answers where
   // it ends.
@@ -63,17 +55,20 @@ class Replacement {
   };
 
   void Split(std::string_view text, std::int32_t group_bound);
-  void ListGroups();
+  std::span<const Insertion> insertions() const { return {insertions_, insertion_count_}; }
 
-  // A short text is taken apart here: two allocations less are 6 ns of a short call's 168.
-  std::byte short_[256];
-  std::pmr::monotonic_buffer_resource memory_{short_, sizeof short_};
+  // A short text needs no allocation. Each group takes a backslash and a digit at least.
+  static constexpr std::size_t kShortText = 64;
+  char short_literals_[kShortText + kCopyWidth];
+  Insertion short_insertions_[kShortText / 2];
+  std::unique_ptr<char[]> long_literals_;
+  std::unique_ptr<Insertion[]> long_insertions_;
+
   // All literal bytes, escapes resolved, and behind them what Append may read.
-  std::pmr::string literals_{&memory_};
+  char* literals_ = short_literals_;
   std::size_t literal_length_ = 0;
-  std::pmr::vector<Insertion> insertions_{&memory_};
-  std::int32_t groups_[kNamableGroups];
-  std::size_t group_count_ = 0;
+  Insertion* insertions_ = short_insertions_;
+  std::size_t insertion_count_ = 0;
 };
 
 }  // namespace zrk

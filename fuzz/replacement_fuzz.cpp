@@ -38,16 +38,6 @@ void CheckResult(const Regex& regex, const Outcome& outcome, const std::string& 
   Check(regex.Number("Lasterror") == (expected.empty() ? -99 : 0), "Lasterror fits the result");
 }
 
-void CheckReplace(const Regex& regex, const oracle::PlainMatch& match, const std::string& subject,
-                  const std::string& new_text) {
-  const auto bound = static_cast<std::size_t>(regex.Number("VectorSize") / 3 - 1);
-  const std::string text = oracle::Expand(new_text, match, subject, bound);
-  const std::string whole = subject.substr(0, static_cast<std::size_t>(match.vector[0])) + text +
-                            subject.substr(static_cast<std::size_t>(match.vector[1]));
-  CheckResult(regex, regex.Call("Replace", {new_text}), whole.c_str());
-  CheckResult(regex, regex.Call("ReplaceSelection", {new_text}), text.c_str());
-}
-
 void Run(Input& input) {
   Session session(WholeHost(input));
   const Regex regex(session, static_cast<std::int32_t>(input.Below(100)));
@@ -72,7 +62,10 @@ void Run(Input& input) {
   const oracle::PlainMatch match =
       plain.Match(plain.Shown(subject), 0, static_cast<std::size_t>(regex.Number("VectorSize")));
   Check(regex.Ask("Execute", {subject}) == match.result, "a match is the engine's");
-  if (match.result > 0) CheckReplace(regex, match, subject, new_text);
+  if (match.result < 1) return;
+  const oracle::ReplacedMatch one = oracle::ReplaceMatch(match, subject, new_text);
+  CheckResult(regex, regex.Call("Replace", {new_text}), one.whole);
+  CheckResult(regex, regex.Call("ReplaceSelection", {new_text}), one.selection);
 }
 
 }  // namespace

@@ -16,11 +16,12 @@ using standin::Kind;
 std::string Quote(const std::string& bytes) {
   std::ostringstream out;
   out << '"' << std::hex << std::uppercase << std::setfill('0');
-  for (const unsigned char byte : bytes) {
-    if (std::isprint(byte) != 0 && byte != '"' && byte != '\\') {
+  for (const char byte : bytes) {
+    const auto code = static_cast<unsigned char>(byte);
+    if (std::isprint(code) != 0 && byte != '"' && byte != '\\') {
       out << byte;
     } else {
-      out << "\\x" << std::setw(2) << int{byte};
+      out << "\\x" << std::setw(2) << int{code};
     }
   }
   out << '"';

@@ -70,6 +70,9 @@ std::string DescribeDirectly(const std::string& pattern, const std::string& subj
   return regex.error() != nullptr ? regex.error() : regex.Describe(subject, start);
 }
 
+namespace {
+
+// Replacement text for a match, its escapes replaced; groups from the bound on read as empty.
 std::string Expand(const std::string& text, const PlainMatch& match, const std::string& subject,
                    std::size_t group_bound) {
   const auto is_digit = [&](std::size_t at) {
@@ -93,15 +96,25 @@ std::string Expand(const std::string& text, const PlainMatch& match, const std::
   return out;
 }
 
-Replaced ReplaceAll(const PlainRegex& regex, const std::string& target,
+}  // namespace
+
+ReplacedMatch ReplaceMatch(const PlainMatch& match, const std::string& subject,
+                           const std::string& new_text) {
+  const std::string text = Expand(new_text, match, subject, match.vector.size() / 3 - 1);
+  const std::string whole = subject.substr(0, static_cast<std::size_t>(match.vector[0])) + text +
+                            subject.substr(static_cast<std::size_t>(match.vector[1]));
+  return {whole.c_str(), text.c_str()};
+}
+
+Replaced ReplaceAll(const PlainRegex& regex, const std::string& subject,
                     const std::string& new_text) {
   constexpr std::size_t kVectorSize = 303;
   constexpr std::size_t kGroups = 100;
-  const std::string shown = regex.Shown(target);
+  const std::string shown = regex.Shown(subject);
   Replaced all;
   std::size_t copied = 0;
   const auto copy_to = [&](std::size_t end) {
-    if (end > copied) all.text += target.substr(copied, end - copied);
+    if (end > copied) all.text += subject.substr(copied, end - copied);
     copied = std::max(copied, end);
   };
   for (std::size_t at = 0;;) {
@@ -111,14 +124,14 @@ Replaced ReplaceAll(const PlainRegex& regex, const std::string& target,
     const auto start = static_cast<std::size_t>(match.vector[0]);
     const auto end = static_cast<std::size_t>(match.vector[1]);
     copy_to(start);
-    all.text += Expand(new_text, match, target, kGroups);
+    all.text += Expand(new_text, match, subject, kGroups);
     copied = std::max(copied, end);
-    if (end >= target.size()) break;
-    std::size_t next = start == end ? end + SequenceLength(target, end) : end;
-    if (next <= at) next = at + SequenceLength(target, at);
+    if (end >= subject.size()) break;
+    std::size_t next = start == end ? end + SequenceLength(subject, end) : end;
+    if (next <= at) next = at + SequenceLength(subject, at);
     at = next;
   }
-  copy_to(target.size());
+  copy_to(subject.size());
   return all;
 }
 

@@ -57,15 +57,20 @@ std::string DescribeDirectly(const std::string& pattern, const std::string& subj
                              std::uint32_t compile_options = kCompileOptions,
                              std::uint32_t execute_options = kExecuteOptions);
 
-// Replacement text for a match, its escapes replaced; groups from the bound on read as empty.
-std::string Expand(const std::string& text, const PlainMatch& match, const std::string& subject,
-                   std::size_t group_bound);
+// The subject with its match replaced, and the replacement alone, each up to its first NUL byte.
+struct ReplacedMatch {
+  std::string whole;
+  std::string selection;
+};
+ReplacedMatch ReplaceMatch(const PlainMatch& match, const std::string& subject,
+                           const std::string& new_text);
 
+// The subject with all matches replaced, whole.
 struct Replaced {
   std::string text;
   std::int32_t engine_calls = 0;
 };
-Replaced ReplaceAll(const PlainRegex& regex, const std::string& target,
+Replaced ReplaceAll(const PlainRegex& regex, const std::string& subject,
                     const std::string& new_text);
 
 }  // namespace oracle

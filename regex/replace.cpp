@@ -222,8 +222,9 @@ REALstringStruct* ReplaceSelection(RegExClassData& data, REALstringStruct* NewTe
   return ReplaceMatch(data, NewText, true);
 }
 
-REALstringStruct* ReplaceAll(RegExClassData& data, REALstringStruct* Target,
-                             REALstringStruct* NewText) {
+// Flattened as Execute and Match are: calls within the library would be 1.5 ns a match.
+[[gnu::flatten]] REALstringStruct* ReplaceAll(RegExClassData& data, REALstringStruct* Target,
+                                              REALstringStruct* NewText) {
   return RunReplace(data, [&] {
     rbText target(Target);
     rbText text(NewText);

@@ -41,15 +41,12 @@ void Replacement::Split(std::string_view text, std::int32_t group_bound) {
   char* out = literals_;
   const char* after_insertion = out;
   for (std::size_t at = 0; at < text.size();) {
-    const std::size_t escape = std::min(text.find(kEscape, at), text.size());
-    out = std::copy(text.begin() + at, text.begin() + escape, out);
-    if (escape == text.size()) break;
-    at = escape + 2;
-    if (at > text.size()) {
-      *out++ = '\0';
-      break;
+    const char byte = text[at++];
+    if (byte != kEscape) {
+      *out++ = byte;
+      continue;
     }
-    const char escaped = text[escape + 1];
+    const char escaped = at < text.size() ? text[at++] : '\0';
     if (!IsDigit(escaped)) {
       *out++ = Unescaped(escaped);
       continue;

@@ -58,7 +58,7 @@ class Replacement {
   std::span<const Insertion> insertions() const { return {insertions_, insertion_count_}; }
 
   // A short text needs no allocation. Each group takes a backslash and a digit at least.
-  static constexpr std::size_t kShortText = 64;
+  static constexpr std::size_t kShortText = 128;
   char short_literals_[kShortText + kCopyWidth];
   Insertion short_insertions_[kShortText / 2];
   std::unique_ptr<char[]> long_literals_;

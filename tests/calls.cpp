@@ -58,6 +58,10 @@ std::string Show(const Object& object, const Outcome& outcome) {
          (raised.empty() ? "" : ' ' + raised);
 }
 
+std::string Try(const Object& object, const char* method, const Values& arguments) {
+  return Show(object, object.TryCall(method, arguments));
+}
+
 const std::vector<CallRow>& CallRows() {
   static const std::vector<CallRow> rows = {
       {"match", "Match", With(kSubject)},

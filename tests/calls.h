@@ -15,6 +15,8 @@ namespace tests {
 std::string Show(const Value& value);
 // The result, Lasterror and what was raised: `nil err=-99 NilObjectException: text is nil`.
 std::string Show(const Object& object, const Outcome& outcome);
+// Calls a method and shows its outcome so.
+std::string Try(const Object& object, const char* method, const Values& arguments = {});
 
 // A multi-byte text with bytes that the engine must not see unchecked.
 inline constexpr const char* kSubject = "aébc\xF5 bx bc";

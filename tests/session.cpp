@@ -47,13 +47,9 @@ std::vector<standin::HostOptions> HostKinds() {
 }
 
 std::string NameOf(const standin::HostOptions& options) {
+  if (!options.version) return "no version";
   std::ostringstream name;
-  if (options.version) {
-    name << *options.version;
-  } else {
-    name << "no version";
-  }
-  if (!options.direct_storage) name << " without direct storage";
+  name << *options.version << (options.direct_storage ? "" : " without direct storage");
   return name.str();
 }
 

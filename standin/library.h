@@ -20,6 +20,7 @@ class Library {
   // Throws std::runtime_error with one line for a file that is missing, cannot be loaded or has
   // no entry point "REALPluginMain".
   explicit Library(const std::filesystem::path& file, Copy copy = Copy::kShared);
+  ~Library();
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
 
@@ -31,17 +32,9 @@ class Library {
  private:
   using Main = void (*)(Host::Resolver);
 
-  // The private copy's file, if there is one. The loaded library does not need it any more;
-  // until the end it serves sanitizers for their reports.
-  struct TemporaryFile {
-    TemporaryFile() = default;
-    ~TemporaryFile();
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    std::filesystem::path path;
-  };
-
-  TemporaryFile copy_;
+  // The private copy's file, if there is one. The loaded library does not need it any more; until
+  // the end it serves sanitizers and debuggers, which read symbols from it.
+  std::filesystem::path copy_;
   Main main_ = nullptr;
 };
 

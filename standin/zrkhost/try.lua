@@ -58,8 +58,10 @@ local function next_start(re, text)
   return text.binary and to + 1 or (utf8.offset(text.bytes, 2, to + 1) or #text.bytes + 2) - 1
 end
 
-local function first_search(re, text)
-  return text.binary and re:ExecuteMemory(text.subject) or not text.binary and re:Execute(text.subject)
+-- The search from a byte on, the first of which names the text; `way` is "MT" for one on another thread.
+local function execute(re, text, start, way)
+  if start > 0 then return re["Execute" .. way](re, start) end
+  return re[(text.binary and "ExecuteMemory" or "Execute") .. way](re, text.subject)
 end
 
 -- On a terminal a task shows how far the search is, which runs on another thread for that.
@@ -113,9 +115,7 @@ local function search(re, text, options)
   local function run(start)
     state.at, state.count = start, #matches
     state.tick()
-    local suffix = threaded and #matches < threaded_matches and "MT" or ""
-    if start > 0 then return re["Execute" .. suffix](re, start) end
-    return re[(text.binary and "ExecuteMemory" or "Execute") .. suffix](re, text.subject)
+    return execute(re, text, start, threaded and #matches < threaded_matches and "MT" or "")
   end
   local start = 0
   while start <= #text.bytes and run(start) > 0 do
@@ -129,13 +129,8 @@ local function search(re, text, options)
 end
 
 local function walk(re, text)
-  local started = host.clock()
-  local found = first_search(re, text)
-  while found > 0 do
-    local start = next_start(re, text)
-    if start > #text.bytes then break end
-    found = re:Execute(start)
-  end
+  local started, start = host.clock(), 0
+  while start <= #text.bytes and execute(re, text, start, "") > 0 do start = next_start(re, text) end
   return host.clock() - started
 end
 

@@ -15,16 +15,14 @@ write["if"] = function(cx, statement)
 end
 
 write["elseif"] = function(cx, statement)
-  if cx:part_of("If", "ElseIf").otherwise then cx:fail("ElseIf stands behind Else") end
+  cx:part_of("If", "ElseIf")
   cx:emit("elseif %s then", condition(cx, statement.condition))
 end
 
 write["else"] = function(cx)
   local block = cx.blocks[#cx.blocks]
   if block and block.kind == "Select" then return write.case_else(cx) end
-  block = cx:part_of("If", "Else")
-  if block.otherwise then cx:fail("there are two Else") end
-  block.otherwise = true
+  cx:part_of("If", "Else", true)
   cx:emit("else")
 end
 
@@ -45,7 +43,6 @@ end
 
 function write.case(cx, statement)
   local block = cx:part_of("Select", "Case")
-  if block.otherwise then cx:fail("Case stands behind Case Else") end
   block.empty = false
   local tests = {}
   for i, node in ipairs(statement.choices) do tests[i] = choice(cx, block.subject, node) end
@@ -53,9 +50,7 @@ function write.case(cx, statement)
 end
 
 function write.case_else(cx)
-  local block = cx:part_of("Select", "Case Else")
-  if block.otherwise then cx:fail("there are two Case Else") end
-  block.otherwise, block.empty = true, false
+  cx:part_of("Select", "Case Else", true).empty = false
   cx:emit("else")
 end
 
@@ -167,8 +162,7 @@ write.try = function(cx)
 end
 
 function write.catch(cx, statement)
-  local block = cx:part_of("Try", "Catch")
-  if block.finally then cx:fail("Catch stands behind Finally") end
+  cx:part_of("Try", "Catch")
   local class = statement.type and cx:type(statement.type) or "RuntimeException"
   if not types.isa(class, "RuntimeException") then cx:fail("%s is no exception", class) end
   local parameter = statement.name and cx:declare(statement.name, class) or ""
@@ -176,9 +170,7 @@ function write.catch(cx, statement)
 end
 
 function write.finally(cx)
-  local block = cx:part_of("Try", "Finally")
-  if block.finally then cx:fail("there are two Finally") end
-  block.finally = true
+  cx:part_of("Try", "Finally", true)
   cx:emit("end, false, function()")
 end
 

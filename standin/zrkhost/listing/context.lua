@@ -63,9 +63,13 @@ function Context:open(kind, fields)
 end
 
 -- A new part of the innermost block, which must be of this kind; the variables before are gone.
-function Context:part_of(kind, word)
+-- Behind the last part, such as Else, comes no other.
+function Context:part_of(kind, word, last)
   local block = self.blocks[#self.blocks]
   if not block or block.kind ~= kind then self:fail("%s stands outside of %s", word, kind) end
+  if last and block.last then self:fail("there are two %s", word) end
+  if block.last then self:fail("%s stands behind %s", word, block.last) end
+  block.last = last and word
   self.scope = {outer_scope = block.outer}
   return block
 end

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <sstream>
-#include <utility>
 
 namespace standin {
 namespace {
@@ -101,7 +100,6 @@ void Accounts::Note(Thing& thing, Side side) {
 
 void Accounts::Give(Thing& thing, Side side) {
   ++thing.references_[static_cast<std::size_t>(side)];
-  if (side == Side::kLibrary) ++given_;
   Note(thing, side);
 }
 
@@ -113,7 +111,6 @@ void Accounts::TakeBack(Thing& thing, Side side) {
     return;
   }
   --held;
-  if (side == Side::kLibrary) ++given_back_;
   Note(thing, side);
   if (thing.references(Side::kHost) + thing.references(Side::kLibrary) == 0) Finish(thing);
 }
@@ -189,8 +186,6 @@ const char* Accounts::BeginCall(const char* call) {
   ++calls_;
   return std::exchange(call_, call);
 }
-
-const char* Accounts::EnterMethod(const char* method) { return std::exchange(method_, method); }
 
 std::size_t Accounts::Living() const {
   return static_cast<std::size_t>(

@@ -21,6 +21,7 @@
 #include <string_view>
 #include <thread>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "standin/value.h"
@@ -126,9 +127,8 @@ class Accounts {
   // Answers the name of the call around it, to be put back with ResumeCall.
   const char* BeginCall(const char* call);
   void ResumeCall(const char* call) { call_ = call; }
-  // The same for the method that the host has called.
-  const char* EnterMethod(const char* method);
-  void ResumeMethod(const char* method) { method_ = method; }
+  // The same for the method that the host has called, both ways.
+  const char* SetMethod(const char* method) { return std::exchange(method_, method); }
   // The method under way, or "".
   const char* method() const { return method_; }
 
@@ -140,9 +140,6 @@ class Accounts {
   // How many things are alive, and how many of a kind were ever opened.
   std::size_t Living() const;
   std::uint64_t Opened(Kind kind) const { return opened_[static_cast<std::size_t>(kind)]; }
-  // References that the library was given and gave back; string-data records count as one each.
-  std::uint64_t given() const { return given_; }
-  std::uint64_t given_back() const { return given_back_; }
 
  private:
   void Enter(std::unique_ptr<Thing> thing, Side side);
@@ -155,8 +152,6 @@ class Accounts {
   std::unordered_map<const void*, std::unique_ptr<Thing>> things_;
   std::deque<const void*> quarantine_;
   std::array<std::uint64_t, static_cast<std::size_t>(Kind::kStringData) + 1> opened_{};
-  std::uint64_t given_ = 0;
-  std::uint64_t given_back_ = 0;
   std::uint64_t last_number_ = 0;
   std::uint64_t calls_ = 0;
   const char* call_ = "";

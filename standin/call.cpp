@@ -8,24 +8,16 @@ namespace standin {
 namespace {
 
 ffi_type* FfiType(Kind kind) {
-  switch (kind) {
-    case Kind::kNil:
-      return &ffi_type_void;
-    case Kind::kInteger:
-      return &ffi_type_sint32;
-    case Kind::kBoolean:
-      return &ffi_type_sint8;
-    case Kind::kDouble:
-      return &ffi_type_double;
-    default:
-      return &ffi_type_pointer;
-  }
+  if (kind == Kind::kNil) return &ffi_type_void;
+  if (kind == Kind::kInteger) return &ffi_type_sint32;
+  if (kind == Kind::kBoolean) return &ffi_type_sint8;
+  return kind == Kind::kDouble ? &ffi_type_double : &ffi_type_pointer;
 }
 
 }  // namespace
 
 MethodCall::MethodCall(Host& host, HostInstance& object, const std::string& name)
-    : host_(host), object_(object), class_name_(object.class_name()), name_(name) {
+    : host_(host), object_(object), name_(name) {
   types_.reserve(4);
   slots_.reserve(4);
   Push(&ffi_type_pointer, {.handle = object.handle()});
@@ -42,17 +34,11 @@ void MethodCall::AddWord(zrk::HostWord word) {
 
 void MethodCall::Add(const Type& type, const Value& value) {
   if (host_.options().trace) shown_ += (shown_.empty() ? "" : ", ") + value.Describe();
-  ffi_type* const ffi = FfiType(type.kind);
-  switch (type.kind) {
-    case Kind::kInteger:
-      return Push(ffi, {.integer = value.Integer()});
-    case Kind::kBoolean:
-      return Push(ffi, {.boolean = static_cast<signed char>(value.Boolean())});
-    case Kind::kDouble:
-      return Push(ffi, {.number = value.Double()});
-    default:
-      return Push(ffi, {.handle = value.handle()});
-  }
+  Slot slot{.handle = value.handle()};
+  if (type.kind == Kind::kInteger) slot.integer = value.Integer();
+  if (type.kind == Kind::kBoolean) slot.boolean = static_cast<signed char>(value.Boolean());
+  if (type.kind == Kind::kDouble) slot.number = value.Double();
+  Push(FfiType(type.kind), slot);
 }
 
 // libffi widens integer results that are smaller than a word to a whole one.
@@ -70,10 +56,12 @@ MethodCall::Slot MethodCall::Invoke(zrk::HostFunction function, ffi_type* result
 }
 
 Outcome MethodCall::Run(zrk::HostFunction function, const Type& result) {
-  if (!function) throw CallError(class_name_ + "." + name_ + " is registered without a function");
-  if (!host_.accounts().OnHostThread()) throw CallError(name_ + " called on a foreign thread");
-  if (host_.options().trace) TraceStart();
-  const char* const outer_method = host_.accounts().EnterMethod(name_.c_str());
+  Accounts& accounts = host_.accounts();
+  const auto& trace = host_.options().trace;
+  if (!function) throw CallError(QualifiedName() + " is registered without a function");
+  if (!accounts.OnHostThread()) throw CallError(name_ + " called on a foreign thread");
+  if (trace) trace("> " + QualifiedName() + "(" + shown_ + ")");
+  const char* const outer_method = accounts.SetMethod(name_.c_str());
   std::vector<HostError> outer_errors = std::exchange(host_.pending_errors_, {});
   const CallUnderWay outer_call =
       std::exchange(object_.under_way, {name_.c_str(), host_.task_depth()});
@@ -82,37 +70,24 @@ Outcome MethodCall::Run(zrk::HostFunction function, const Type& result) {
   Outcome outcome;
   outcome.value = Result(slot, result.kind);
   outcome.errors = std::exchange(host_.pending_errors_, std::move(outer_errors));
-  host_.accounts().ResumeMethod(outer_method);
-  if (host_.options().trace) TraceEnd(outcome.value);
+  accounts.SetMethod(outer_method);
+  if (!trace) return outcome;
+  const bool nothing = outcome.value.kind() == Kind::kNil;
+  trace("< " + QualifiedName() + (nothing ? "" : " -> " + outcome.value.Describe()));
   return outcome;
 }
 
 Value MethodCall::Result(const Slot& slot, Kind kind) const {
-  switch (kind) {
-    case Kind::kNil:
-      return {};
-    case Kind::kInteger:
-      return static_cast<std::int32_t>(slot.word);
-    case Kind::kBoolean:
-      return static_cast<signed char>(slot.word) != 0;
-    case Kind::kDouble:
-      return slot.number;
-    default:
-      break;
-  }
+  if (kind == Kind::kNil) return {};
+  if (kind == Kind::kInteger) return static_cast<std::int32_t>(slot.word);
+  if (kind == Kind::kBoolean) return static_cast<signed char>(slot.word) != 0;
+  if (kind == Kind::kDouble) return slot.number;
   Thing* thing = host_.accounts().Find(slot.handle, kind);
   if (!thing) return Value::Nil(kind);
   host_.accounts().HandOver(*thing);
   return Value(kind, Reference::Adopt(slot.handle));
 }
 
-void MethodCall::TraceStart() const {
-  host_.options().trace("> " + class_name_ + "." + name_ + "(" + shown_ + ")");
-}
-
-void MethodCall::TraceEnd(const Value& result) const {
-  const std::string shown = result.kind() == Kind::kNil ? "" : " -> " + result.Describe();
-  host_.options().trace("< " + class_name_ + "." + name_ + shown);
-}
+std::string MethodCall::QualifiedName() const { return object_.class_info().name() + "." + name_; }
 
 }  // namespace standin

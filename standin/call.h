@@ -43,12 +43,10 @@ class MethodCall {
   void Push(ffi_type* type, Slot slot);
   Slot Invoke(zrk::HostFunction function, ffi_type* result);
   Value Result(const Slot& slot, Kind kind) const;
-  void TraceStart() const;
-  void TraceEnd(const Value& result) const;
+  std::string QualifiedName() const;
 
   Host& host_;
   HostInstance& object_;
-  const std::string& class_name_;
   const std::string& name_;
   std::vector<ffi_type*> types_;
   std::vector<Slot> slots_;

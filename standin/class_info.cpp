@@ -60,6 +60,14 @@ std::string DeclarationTexts(const std::vector<const Method*>& methods) {
   return text;
 }
 
+// The first row of this name, in any case, or null.
+template <typename Row>
+const Row* Find(const std::vector<Row>& rows, std::string_view name) {
+  const auto found =
+      std::ranges::find_if(rows, [&](const Member& row) { return SameName(row.name, name); });
+  return found == rows.end() ? nullptr : &*found;
+}
+
 }  // namespace
 
 bool Fits(const Type& type, const Value& value) {
@@ -86,45 +94,50 @@ ClassInfo::ClassInfo(zrk::REALclassDefinition* definition, std::size_t instance_
 const HostWord* ClassInfo::words() const { return reinterpret_cast<const HostWord*>(definition_); }
 
 void ClassInfo::ReadProperties(const Problem& problem) {
-  ForRows(definition_->Properties, definition_->PropertyCount, property_words(), problem,
-          [this](const HostWord* row) {
-            if (*TextOf(row[1]) == '\0') throw std::invalid_argument("a property without a name");
-            properties_.push_back({TextOf(row[0]), TextOf(row[1]), ParseType(TextOf(row[2])),
-                                   row[3], FunctionOf(row[4]), FunctionOf(row[5]), row[6]});
-          });
+  const auto read = [this](const HostWord* row) {
+    const std::string name = TextOf(row[1]);
+    if (name.empty()) throw std::invalid_argument("a property without a name");
+    const Type type = ParseType(TextOf(row[2]));
+    properties_.push_back({{name, name + " as " + type.name},
+                           TextOf(row[0]),
+                           type,
+                           row[3],
+                           FunctionOf(row[4]),
+                           FunctionOf(row[5]),
+                           row[6]});
+  };
+  ForRows(definition_->Properties, definition_->PropertyCount, property_words(), problem, read);
 }
 
 void ClassInfo::ReadMethods(const Problem& problem) {
-  ForRows(definition_->Methods, definition_->MethodCount, method_words(), problem,
-          [this](const HostWord* row) {
-            const std::string text = TextOf(row[2]);
-            methods_.push_back({text, ParseMethod(text), FunctionOf(row[0]), row[3]});
-          });
+  const auto read = [this](const HostWord* row) {
+    const MethodDeclaration declaration = ParseMethod(TextOf(row[2]));
+    methods_.push_back(
+        {{declaration.name, TextOf(row[2])}, declaration, FunctionOf(row[0]), row[3]});
+  };
+  ForRows(definition_->Methods, definition_->MethodCount, method_words(), problem, read);
 }
 
 void ClassInfo::ReadConstants(const Problem& problem) {
-  ForRows(definition_->Constants, definition_->ConstantCount, constant_words(), problem,
-          [this](const HostWord* row) {
-            constants_.push_back({TextOf(row[0]), ParseConstant(TextOf(row[0]))});
-          });
+  const auto read = [this](const HostWord* row) {
+    const ConstantDeclaration declaration = ParseConstant(TextOf(row[0]));
+    constants_.push_back({{declaration.name, TextOf(row[0])}, declaration});
+  };
+  ForRows(definition_->Constants, definition_->ConstantCount, constant_words(), problem, read);
 }
 
 const Property* ClassInfo::FindProperty(std::string_view name) const {
-  const auto found = std::ranges::find_if(
-      properties_, [&](const Property& row) { return SameName(row.name, name); });
-  return found == properties_.end() ? nullptr : &*found;
+  return Find(properties_, name);
 }
 
 const Constant* ClassInfo::FindConstant(std::string_view name) const {
-  const auto found = std::ranges::find_if(
-      constants_, [&](const Constant& row) { return SameName(row.declaration.name, name); });
-  return found == constants_.end() ? nullptr : &*found;
+  return Find(constants_, name);
 }
 
 std::vector<const Method*> ClassInfo::FindMethods(std::string_view name) const {
   std::vector<const Method*> found;
   for (const Method& method : methods_) {
-    if (SameName(method.declaration.name, name)) found.push_back(&method);
+    if (SameName(method.name, name)) found.push_back(&method);
   }
   return found;
 }

@@ -16,9 +16,13 @@ namespace standin {
 // Whether a value may be passed where the type stands; a nil without kind fits every reference.
 bool Fits(const Type& type, const Value& value);
 
-struct Property {
-  std::string group;
+struct Member {
   std::string name;
+  std::string text;  // the declaration as registered; of a property `Count as Integer`
+};
+
+struct Property : Member {
+  std::string group;
   Type type;
   zrk::HostWord flags = 0;
   zrk::HostFunction getter = nullptr;
@@ -30,15 +34,13 @@ struct Property {
   bool WritesField() const;
 };
 
-struct Method {
-  std::string text;  // as registered
+struct Method : Member {
   MethodDeclaration declaration;
   zrk::HostFunction function = nullptr;
   zrk::HostWord flags = 0;
 };
 
-struct Constant {
-  std::string text;  // as registered
+struct Constant : Member {
   ConstantDeclaration declaration;
 };
 

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
+#include <memory>
+#include <stdexcept>
 
 #include "host/records.h"
 #include "standin/declaration.h"
@@ -24,14 +26,14 @@ struct EncodingRow {
 };
 
 constexpr EncodingRow kEncodings[] = {
-    {zrk::kEncodingMacRoman, "Mac Roman", "MACINTOSH", 1},
+    {zrk::kEncodingUTF8, "UTF-8", "UTF-8", 1},
     {zrk::kEncodingUTF16, "UTF-16", kLittle ? "UTF-16LE" : "UTF-16BE", 2},
+    {zrk::kEncodingUTF32, "UTF-32", kLittle ? "UTF-32LE" : "UTF-32BE", 4},
+    {zrk::kEncodingASCII, "ASCII", "ASCII", 1},
     {zrk::kEncodingISOLatin1, "ISO Latin-1", "ISO-8859-1", 1},
     {zrk::kEncodingWindowsLatin1, "Windows Latin-1", "CP1252", 1},
-    {zrk::kEncodingASCII, "ASCII", "ASCII", 1},
+    {zrk::kEncodingMacRoman, "Mac Roman", "MACINTOSH", 1},
     {zrk::kEncodingUnknown, "unknown", nullptr, 1},
-    {zrk::kEncodingUTF8, "UTF-8", "UTF-8", 1},
-    {zrk::kEncodingUTF32, "UTF-32", kLittle ? "UTF-32LE" : "UTF-32BE", 4},
 };
 
 const EncodingRow* Find(std::uint32_t code) {
@@ -41,44 +43,39 @@ const EncodingRow* Find(std::uint32_t code) {
   return nullptr;
 }
 
-// An open converter; iconv keeps no state between calls for these encodings.
-class Converter {
- public:
-  Converter(const char* from, const char* to) : handle_(iconv_open(to, from)) {}
-  ~Converter() {
-    if (open()) iconv_close(handle_);
-  }
-  Converter(const Converter&) = delete;
-  Converter& operator=(const Converter&) = delete;
-  bool open() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
-
-  // Converts until something stops it; drops what it read from `bytes`. 0 when all was read.
-  int Run(std::string_view& bytes, std::string& out) {
-    std::array<char, 4096> buffer;
-    while (!bytes.empty()) {
-      char* in = const_cast<char*>(bytes.data());
-      std::size_t in_left = bytes.size();
-      char* to = buffer.data();
-      std::size_t to_left = buffer.size();
-      const bool failed = iconv(handle_, &in, &in_left, &to, &to_left) == std::size_t(-1);
-      const int error = failed ? errno : 0;
-      out.append(buffer.data(), buffer.size() - to_left);
-      bytes.remove_prefix(bytes.size() - in_left);
-      if (error != 0 && error != E2BIG) return error;
-    }
-    return 0;
-  }
-
- private:
-  iconv_t handle_;
+struct CloseConverter {
+  void operator()(void* converter) const { iconv_close(converter); }
 };
+// Null where nothing converts. iconv keeps no state between calls for these encodings.
+using Converter = std::unique_ptr<void, CloseConverter>;
+
+Converter Open(const char* from, const char* to) {
+  const iconv_t opened = iconv_open(to, from);
+  return Converter(opened == reinterpret_cast<iconv_t>(-1) ? nullptr : opened);
+}
+
+// Converts until something stops it; drops what it read from `bytes`. 0 when all was read.
+int Run(const Converter& converter, std::string_view& bytes, std::string& out) {
+  std::array<char, 4096> buffer;
+  while (!bytes.empty()) {
+    char* in = const_cast<char*>(bytes.data());
+    std::size_t in_left = bytes.size();
+    char* to = buffer.data();
+    std::size_t to_left = buffer.size();
+    const bool failed = iconv(converter.get(), &in, &in_left, &to, &to_left) == std::size_t(-1);
+    const int error = failed ? errno : 0;
+    out.append(buffer.data(), buffer.size() - to_left);
+    bytes.remove_prefix(bytes.size() - in_left);
+    if (error != 0 && error != E2BIG) return error;
+  }
+  return 0;
+}
 
 std::string Substitute(const EncodingRow& to) {
   std::string_view mark = "\xEF\xBF\xBD";
   std::string out;
-  Converter converter("UTF-8", to.iconv_name);
-  const bool converted = converter.open() && converter.Run(mark, out) == 0;
-  return converted ? out : std::string(1, '?');
+  const Converter converter = Open("UTF-8", to.iconv_name);
+  return converter && Run(converter, mark, out) == 0 ? out : "?";
 }
 
 // Drops one bad or foreign character; of UTF-8 with the continuation bytes that follow it.
@@ -99,11 +96,14 @@ std::string EncodingName(std::uint32_t encoding) {
   return text.data();
 }
 
-std::optional<std::uint32_t> EncodingByName(std::string_view name) {
+std::uint32_t EncodingByName(std::string_view name) {
+  std::string names;
   for (const EncodingRow& row : kEncodings) {
     if (SameName(row.name, name)) return row.code;
+    names += (names.empty() ? "" : ", ") + std::string(row.name);
   }
-  return std::nullopt;
+  throw std::invalid_argument("no encoding is called \"" + std::string(name) +
+                              "\"; there are: " + names);
 }
 
 std::optional<std::string> ConvertText(std::string_view bytes, std::uint32_t from,
@@ -112,10 +112,10 @@ std::optional<std::string> ConvertText(std::string_view bytes, std::uint32_t fro
   const EncodingRow* target = Find(to);
   if (!source || !target || !source->iconv_name || !target->iconv_name) return std::nullopt;
   if (source == target) return std::string(bytes);
-  Converter converter(source->iconv_name, target->iconv_name);
-  if (!converter.open()) return std::nullopt;
+  const Converter converter = Open(source->iconv_name, target->iconv_name);
+  if (!converter) return std::nullopt;
   std::string out;
-  while (const int error = converter.Run(bytes, out)) {
+  while (const int error = Run(converter, bytes, out)) {
     out += Substitute(*target);
     if (error == EINVAL) break;  // a character that the text's end cuts
     SkipCharacter(*source, bytes);

@@ -11,8 +11,8 @@ namespace standin {
 
 // The name of an encoding, such as "Windows Latin-1"; an unknown code answers its hexadecimal.
 std::string EncodingName(std::uint32_t encoding);
-// The code of a name in any case; empty for a name that is none of the eight.
-std::optional<std::uint32_t> EncodingByName(std::string_view name);
+// The code of a name in any case; throws std::invalid_argument, naming all, for any other.
+std::uint32_t EncodingByName(std::string_view name);
 
 // Converts text; UTF-16 and UTF-32 are in the machine's byte order. The same encoding leaves the
 // bytes as they are, valid or not. Otherwise bytes that are no text, and characters that the

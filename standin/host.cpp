@@ -15,8 +15,6 @@ namespace {
 // Read on foreign threads as well, by a library that calls services where it must not.
 std::atomic<Host*> current = nullptr;
 
-bool IsPlain(const Value& value) { return value.handle() == nullptr && !value.IsNil(); }
-
 }  // namespace
 
 Host::Host(HostOptions options) : options_(std::move(options)) {
@@ -92,7 +90,7 @@ Value Host::StringArray(const Values& elements) {
 Value Host::VariantArray(const Values& elements) {
   Values variants;
   for (const Value& element : elements) {
-    const bool wrapped = IsPlain(element) || (element.kind() == Kind::kString && element.handle());
+    const bool wrapped = element.IsPlain() || (element.kind() == Kind::kString && element.handle());
     variants.push_back(wrapped ? Adopt(std::make_unique<HostVariant>(element)) : element);
   }
   return Array(Kind::kVariantArray, variants);
@@ -112,7 +110,7 @@ Object Host::NewUninitialised(std::string_view class_name) {
 
 Object Host::New(std::string_view class_name, const Values& arguments) {
   Object object = NewUninitialised(class_name);
-  ConstructInstance(*static_cast<HostInstance*>(accounts_.Look(object.value().handle())));
+  ConstructInstance(*static_cast<HostInstance*>(Living(object.value().handle())));
   const bool has_method = !object.class_info().FindMethods("Constructor").empty();
   if (has_method || !arguments.empty()) object.Call("Constructor", arguments);
   return object;

@@ -122,7 +122,6 @@ class Host {
 
   // Changes what is wrong with a service from now on; an empty Fault is none.
   void SetFault(const std::string& service, Fault fault);
-  void SetTrace(std::function<void(std::string_view)> trace) { options_.trace = std::move(trace); }
 
   // How often a service was called, under whichever of its names.
   std::uint64_t Calls(std::string_view service) const;

@@ -58,9 +58,9 @@ Library::~Library() {
 
 void Library::Start(Host& host) {
   if (&host != Host::Current()) throw std::logic_error("only the current host starts a library");
-  const char* const outer = host.accounts().EnterMethod("REALPluginMain");
+  const char* const outer = host.accounts().SetMethod("REALPluginMain");
   main_(&Host::Resolve);
-  host.accounts().ResumeMethod(outer);
+  host.accounts().SetMethod(outer);
 }
 
 void Library::StartWithoutHost() { main_(nullptr); }

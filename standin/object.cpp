@@ -15,23 +15,13 @@ Host& CurrentHost() {
   throw CallError("there is no host");
 }
 
-HostInstance* FindInstance(const Value& value) {
-  return dynamic_cast<HostInstance*>(CurrentHost().accounts().Look(value.handle()));
-}
-
 HostInstance& Instance(const Value& value) {
-  if (HostInstance* instance = FindInstance(value)) return *instance;
+  if (auto* instance = dynamic_cast<HostInstance*>(Living(value.handle()))) return *instance;
   throw CallError(value.Describe() + " is no living object of a registered class");
 }
 
 Value FromLiteral(const Literal& literal) {
-  struct Maker {
-    Value operator()(std::monostate) const { return {}; }
-    Value operator()(std::int32_t number) const { return number; }
-    Value operator()(bool truth) const { return truth; }
-    Value operator()(const std::string& text) const { return text; }
-  };
-  return std::visit(Maker(), literal);
+  return std::visit([](const auto& content) { return Value(content); }, literal);
 }
 
 Value FirstErrorOr(Outcome outcome) {
@@ -39,14 +29,16 @@ Value FirstErrorOr(Outcome outcome) {
   return std::move(outcome.value);
 }
 
-// While a threaded call of an object waits, the tasks of the host get their turns, and one of them
-// may use the same object: the library would read and free what its worker is working on.
-void RefuseSharing(const HostInstance& instance, const std::string& member) {
+// The instance, to use this member of it. While a threaded call of an object waits, the tasks of
+// the host get their turns, and one of them may use the same object: the library would read and
+// free what its worker is working on.
+HostInstance& InstanceFor(const std::string& member, const Value& value) {
+  HostInstance& instance = Instance(value);
   const Host& host = CurrentHost();
   const CallUnderWay& call = instance.under_way;
   const bool shared = *call.method != '\0' && host.task_depth() > call.task_depth;
-  if (!shared || host.options().shared_objects) return;
-  throw CallError(instance.class_name() + "." + member + " while another task waits for " +
+  if (!shared || host.options().shared_objects) return instance;
+  throw CallError(instance.class_info().name() + "." + member + " while another task waits for " +
                   call.method + " of the same object: an object belongs to one task at a time");
 }
 
@@ -90,13 +82,13 @@ Object::Object(Value value) : value_(std::move(value)), class_(&Instance(value_)
 
 Outcome Object::TryCall(std::string_view name, const Values& arguments) const {
   const Method& method = class_->Choose(name, arguments);
-  RefuseSharing(Instance(value_), method.declaration.name);
+  HostInstance& instance = InstanceFor(method.name, value_);
   const auto& parameters = method.declaration.parameters;
   Values complete = arguments;
   for (std::size_t i = complete.size(); i < parameters.size(); ++i) {
     complete.push_back(FromLiteral(*parameters[i].fallback));
   }
-  MethodCall call(CurrentHost(), Instance(value_), method.declaration.name);
+  MethodCall call(CurrentHost(), instance, method.name);
   for (std::size_t i = 0; i < complete.size(); ++i) call.Add(parameters[i].type, complete[i]);
   Outcome outcome = call.Run(method.function, method.declaration.result);
   outcome.method = &method;
@@ -114,22 +106,23 @@ const Property& Object::FindProperty(std::string_view name) const {
 
 Value Object::Get(std::string_view name) const {
   const Property& property = FindProperty(name);
-  RefuseSharing(Instance(value_), property.name);
-  if (property.ReadsField()) return ReadField(Instance(value_), property);
+  HostInstance& instance = InstanceFor(property.name, value_);
+  if (property.ReadsField()) return ReadField(instance, property);
   if (!property.getter) throw CallError(property.name + " cannot be read");
-  MethodCall call(CurrentHost(), Instance(value_), property.name);
+  MethodCall call(CurrentHost(), instance, property.name);
   call.AddWord(property.parameter);
   return FirstErrorOr(call.Run(property.getter, property.type));
 }
 
 void Object::Set(std::string_view name, const Value& value) const {
   const Property& property = FindProperty(name);
-  const std::string text = property.name + " as " + property.type.name;
-  RefuseSharing(Instance(value_), property.name);
-  if (!property.setter) throw CallError(text + " is read-only");
-  if (!Fits(property.type, value)) throw CallError(text + " takes no " + KindName(value.kind()));
-  if (property.WritesField()) return WriteField(Instance(value_), property, value);
-  MethodCall call(CurrentHost(), Instance(value_), property.name);
+  HostInstance& instance = InstanceFor(property.name, value_);
+  if (!property.setter) throw CallError(property.text + " is read-only");
+  if (!Fits(property.type, value)) {
+    throw CallError(property.text + " takes no " + KindName(value.kind()));
+  }
+  if (property.WritesField()) return WriteField(instance, property, value);
+  MethodCall call(CurrentHost(), instance, property.name);
   call.AddWord(property.parameter);
   call.Add(property.type, value);
   FirstErrorOr(call.Run(property.setter, {}));

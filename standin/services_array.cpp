@@ -12,24 +12,11 @@ namespace {
 
 constexpr std::int32_t kStringElements = 3;
 
-Accounts& TheAccounts() { return Host::Current()->accounts(); }
+HostArray* FindArray(const void* handle) { return FindAs<HostArray>(handle, "an array"); }
 
-HostArray* FindArray(void* handle) {
-  Thing* thing = TheAccounts().Find(handle);
-  auto* array = dynamic_cast<HostArray*>(thing);
-  if (!array && !handle) TheAccounts().Report("was handed null");
-  if (!array && thing) {
-    TheAccounts().Report("was handed " + thing->Describe() + " where an array belongs");
-  }
-  return array;
-}
-
-HostArray* FindArray(void* handle, Kind kind) {
+HostArray* FindArray(const void* handle, Kind kind) {
   HostArray* array = FindArray(handle);
-  if (!array || array->kind() == kind) return array;
-  TheAccounts().Report("was handed " + array->Describe() + " where a " + KindName(kind) +
-                       " belongs");
-  return nullptr;
+  return array && TheAccounts().Find(handle, kind) ? array : nullptr;
 }
 
 bool InRange(const HostArray& array, std::int32_t index, std::size_t end) {
@@ -44,7 +31,7 @@ Element* Read(void* handle, std::int32_t index, Kind kind) {
   const HostArray* array = FindArray(handle, kind);
   if (!array || !InRange(*array, index, array->size())) return nullptr;
   void* element = array->at(static_cast<std::size_t>(index));
-  if (element) TheAccounts().Give(*TheAccounts().Look(element), Side::kLibrary);
+  if (element) TheAccounts().Give(*Living(element), Side::kLibrary);
   return static_cast<Element*>(element);
 }
 

@@ -17,28 +17,9 @@ constexpr std::string_view kExceptionClasses[] = {
     "RuntimeException",   "IllegalCastException",
 };
 
-Accounts& TheAccounts() { return Host::Current()->accounts(); }
-
-// Unlike a string, an object has to be there: null is reported.
-Thing* FindThing(const void* handle) {
-  if (!handle) TheAccounts().Report("was handed null");
-  return TheAccounts().Find(handle);
-}
-
-// The thing as the wanted sort; a living thing of another sort is reported.
-template <typename T>
-T* FindAs(const void* handle, const char* wanted) {
-  Thing* thing = FindThing(handle);
-  auto* found = dynamic_cast<T*>(thing);
-  if (thing && !found) {
-    TheAccounts().Report("was handed " + thing->Describe() + " where " + wanted + " belongs");
-  }
-  return found;
-}
-
 // Objects, memory blocks and arrays are counted alike; strings have services of their own.
 Thing* FindCounted(REALobjectStruct* object) {
-  Thing* thing = FindThing(object);
+  Thing* thing = FindAs<Thing>(object, "an object");
   if (!thing || (thing->kind() != Kind::kString && thing->kind() != Kind::kStringData)) {
     return thing;
   }
@@ -48,7 +29,7 @@ Thing* FindCounted(REALobjectStruct* object) {
 
 // The library's own reference to the string behind a value.
 REALstringStruct* GiveString(const Value& text) {
-  auto* string = dynamic_cast<HostString*>(TheAccounts().Look(text.handle()));
+  auto* string = dynamic_cast<HostString*>(Living(text.handle()));
   if (!string) return nullptr;
   TheAccounts().Give(*string, Side::kLibrary);
   return &string->record;
@@ -71,7 +52,7 @@ void Services::REALRegisterClass(REALclassDefinition* definition) {
 REALobjectStruct* Services::REALnewInstance(const char* name) {
   Host& host = *Host::Current();
   if (!name || host.options_.unknown_classes.contains(name)) return nullptr;
-  std::unique_ptr<HostObject> object;
+  std::unique_ptr<Thing> object;
   if (std::ranges::find(kExceptionClasses, std::string_view(name)) != std::end(kExceptionClasses)) {
     object = std::make_unique<HostExceptionObject>(name);
   } else if (const ClassInfo* info = host.FindClass(name)) {
@@ -108,7 +89,7 @@ void Services::REALSetPropValueInteger(REALobjectStruct* object, const char* nam
 
 unsigned char Services::REALGetPropValueString(REALobjectStruct* object, const char* name,
                                                REALstringStruct** result) {
-  const Thing* thing = FindThing(object);
+  const Thing* thing = FindAs<Thing>(object, "an object");
   if (!thing || !name || !result) return 0;
   const auto* variant = dynamic_cast<const HostVariant*>(thing);
   const auto* exception = dynamic_cast<const HostExceptionObject*>(thing);

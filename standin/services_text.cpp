@@ -13,8 +13,6 @@
 namespace standin {
 namespace {
 
-Accounts& TheAccounts() { return Host::Current()->accounts(); }
-
 // A null string is the empty string everywhere: it finds nothing and is no fault.
 HostString* FindString(REALstringStruct* string) {
   return static_cast<HostString*>(TheAccounts().Find(string, Kind::kString));

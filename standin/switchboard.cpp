@@ -126,29 +126,21 @@ std::uint64_t Switchboard::Calls(std::string_view service) const {
   return calls;
 }
 
-ServiceCall::ServiceCall(std::size_t row, const char* name) : host_(Host::Current()), name_(name) {
-  if (!host_) return;
-  try {
-    if (!host_->accounts().OnHostThread()) {
-      host_->accounts().Report(std::string("called ") + name);
-      host_ = nullptr;
-      return;
-    }
-    outer_call_ = host_->accounts().BeginCall(name);
-    admitted_ = row == kNoRow || host_->AdmitCall(row);
-    if (!admitted_ && Tracing()) Trace("(...) -> nothing, by a fault");
-  } catch (const NativeException&) {
-    host_->accounts().ResumeCall(outer_call_);
-    throw;
-  } catch (const std::exception& error) {
-    Failed(error.what());
-  } catch (...) {
-    Failed("an unknown exception");
-  }
+ServiceCall::ServiceCall(const char* name) : host_(Host::Current()), name_(name) {
+  const bool counts = host_ && host_->accounts().OnHostThread();
+  if (counts) outer_call_ = host_->accounts().BeginCall(name);
 }
 
 ServiceCall::~ServiceCall() {
-  if (host_) host_->accounts().ResumeCall(outer_call_);
+  if (outer_call_) host_->accounts().ResumeCall(outer_call_);
+}
+
+bool ServiceCall::Admit(std::size_t row) {
+  if (host_ && !outer_call_) host_->accounts().Report(std::string("called ") + name_);
+  if (!outer_call_) return false;
+  admitted_ = row == kNoRow || host_->AdmitCall(row);
+  if (!admitted_ && Tracing()) Trace("(...) -> nothing, by a fault");
+  return admitted_;
 }
 
 void ServiceCall::Failed(const char* reason) noexcept {

@@ -68,30 +68,27 @@ class Switchboard {
 // One call under way, from a row of the roster or a procedure; must be made on the stack.
 class ServiceCall {
  public:
-  // Throws NativeException where a fault does.
-  ServiceCall(std::size_t row, const char* name);
+  explicit ServiceCall(const char* name);
   ~ServiceCall();
   ServiceCall(const ServiceCall&) = delete;
   ServiceCall& operator=(const ServiceCall&) = delete;
 
   // Whether the service is to answer; otherwise its neutral result goes back.
-  bool admitted() const { return admitted_; }
+  bool Admit(std::size_t row);
   void Failed(const char* reason) noexcept;
 
   template <typename... A>
   void ShowArguments(A... arguments) {
     if (Tracing()) ShowAll(arguments...);
   }
-  template <typename R>
-  void ShowResult(const R& result) {
-    if (Tracing()) Trace(" -> " + Show(result));
-  }
-  void ShowNoResult() {
-    if (Tracing()) Trace("");
+  // Ends the line with the result, if there is one.
+  template <typename... R>
+  void ShowResult(const R&... result) {
+    if (Tracing()) Trace((std::string() + ... + (" -> " + Show(result))));
   }
 
  private:
-  bool Tracing() const { return host_ && host_->options().trace; }
+  bool Tracing() const { return !!host_->options().trace; }
   void Trace(const std::string& ending);
   void Append(const std::string& argument) { shown_ += (shown_.empty() ? "" : ", ") + argument; }
 
@@ -122,7 +119,7 @@ class ServiceCall {
 
   Host* host_;
   const char* name_;
-  const char* outer_call_ = "";
+  const char* outer_call_ = nullptr;  // null where the call counts for nothing
   bool admitted_ = false;
   std::string shown_;
 };
@@ -132,19 +129,21 @@ class ServiceCall {
 template <typename R, typename... A>
 R Answer(std::size_t row, const char* name, R (*implementation)(A...), int neutral,
          A... arguments) {
-  ServiceCall call(row, name);
+  ServiceCall call(name);
   try {
-    if (call.admitted()) {
+    if (call.Admit(row)) {
       call.ShowArguments(arguments...);
       if constexpr (std::is_void_v<R>) {
         implementation(arguments...);
-        call.ShowNoResult();
+        call.ShowResult();
       } else {
         const R result = implementation(arguments...);
         call.ShowResult(result);
         return result;
       }
     }
+  } catch (const NativeException&) {
+    throw;
   } catch (const std::bad_alloc&) {
   } catch (const std::exception& error) {
     call.Failed(error.what());

@@ -49,24 +49,12 @@ Bytes CopyBytes(std::string_view text, std::size_t before, bool with_last, unsig
   return bytes;
 }
 
-Accounts* CurrentAccounts() {
-  Host* host = Host::Current();
-  return host ? &host->accounts() : nullptr;
-}
-
-void GiveElement(void* element) {
-  Accounts* accounts = CurrentAccounts();
-  Thing* thing = accounts && element ? accounts->Look(element) : nullptr;
-  if (thing) accounts->Give(*thing, Side::kHost);
-}
-
-void TakeBackElement(void* element) {
-  Accounts* accounts = CurrentAccounts();
-  Thing* thing = accounts && element ? accounts->Look(element) : nullptr;
-  if (thing) accounts->TakeBack(*thing, Side::kHost);
-}
-
 }  // namespace
+
+Thing* Living(const void* handle) {
+  Host* host = Host::Current();
+  return host ? host->accounts().Look(handle) : nullptr;
+}
 
 TextExcerpt::TextExcerpt(std::string_view text)
     : size_(std::min(text.size(), bytes_.size())), cut_(text.size() > bytes_.size()) {
@@ -147,7 +135,7 @@ std::string HostArray::Excerpt() const {
 }
 
 void HostArray::Insert(std::size_t index, void* element) {
-  GiveElement(element);
+  if (Thing* thing = Living(element)) Host::Current()->accounts().Give(*thing, Side::kHost);
   elements_.insert(elements_.begin() + static_cast<std::ptrdiff_t>(index), element);
   Refresh();
 }
@@ -157,17 +145,15 @@ void HostArray::Resize(std::size_t count) {
   std::copy_n(elements_.begin(), std::min(count, elements_.size()), elements.begin());
   elements_.swap(elements);
   Refresh();
-  for (std::size_t i = count; i < elements.size(); ++i) TakeBackElement(elements[i]);
+  for (std::size_t i = count; i < elements.size(); ++i) {
+    Thing* thing = Living(elements[i]);
+    if (thing) Host::Current()->accounts().TakeBack(*thing, Side::kHost);
+  }
 }
 
 void HostArray::End() {
   Resize(0);
   Forbid(&record_, sizeof record_);
-}
-
-const std::string& HostVariant::class_name() const {
-  static const std::string name = "Variant";
-  return name;
 }
 
 std::string HostVariant::Excerpt() const { return ended() ? "" : "of " + content_.Describe(); }
@@ -191,7 +177,8 @@ Value HostVariant::StringValue() const {
 }
 
 HostInstance::HostInstance(const ClassInfo& class_info)
-    : class_(&class_info),
+    : Thing(Kind::kObject),
+      class_(&class_info),
       size_(class_info.data_offset() + class_info.data_size()),
       memory_(new unsigned char[size_]) {
   std::memset(memory_.get(), kHeaderByte, class_info.data_offset());

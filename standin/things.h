@@ -24,6 +24,9 @@ namespace standin {
 
 using Bytes = std::unique_ptr<unsigned char[]>;
 
+// The living thing of the current host at `handle`, or null.
+Thing* Living(const void* handle);
+
 // The first bytes of a text, with anything but printable ASCII as \xHH; no allocation until read.
 class TextExcerpt {
  public:
@@ -114,20 +117,12 @@ class HostArray : public Thing {
   std::vector<void*> elements_;
 };
 
-// Any object; the library knows it by its address only.
-class HostObject : public Thing {
- public:
-  virtual const std::string& class_name() const = 0;
+// Objects: the library knows them by their addresses only.
 
- protected:
-  HostObject() : Thing(Kind::kObject) {}
-};
-
-class HostVariant : public HostObject {
+class HostVariant : public Thing {
  public:
-  explicit HostVariant(Value content) : content_(std::move(content)) {}
+  explicit HostVariant(Value content) : Thing(Kind::kObject), content_(std::move(content)) {}
   void* handle() override { return this; }
-  const std::string& class_name() const override;
   std::string Excerpt() const override;
   const Value& content() const { return content_; }
   // The content as the host's language writes it: "-5", "True", "1.5", a text as it is.
@@ -138,11 +133,11 @@ class HostVariant : public HostObject {
   Value content_;
 };
 
-class HostExceptionObject : public HostObject {
+class HostExceptionObject : public Thing {
  public:
-  explicit HostExceptionObject(std::string class_name) : error{std::move(class_name), {}, 0} {}
+  explicit HostExceptionObject(std::string class_name)
+      : Thing(Kind::kObject), error{std::move(class_name), {}, 0} {}
   void* handle() override { return this; }
-  const std::string& class_name() const override { return error.class_name; }
   std::string Excerpt() const override { return error.class_name; }
 
   HostError error;
@@ -151,19 +146,18 @@ class HostExceptionObject : public HostObject {
   void End() override {}
 };
 
-// An object of a registered class: a header, then the zero-filled instance record.
 // The method of an object that runs, if one does, and how many tasks deep it was called.
 struct CallUnderWay {
   const char* method = "";
   int task_depth = 0;
 };
 
-class HostInstance : public HostObject {
+// An object of a registered class: a header, then the zero-filled instance record.
+class HostInstance : public Thing {
  public:
   explicit HostInstance(const ClassInfo& class_info);
   ~HostInstance() override;
   void* handle() override { return memory_.get(); }
-  const std::string& class_name() const override { return class_->name(); }
   std::string Excerpt() const override { return class_->name(); }
   const ClassInfo& class_info() const { return *class_; }
   unsigned char* data() const { return memory_.get() + class_->data_offset(); }

@@ -11,11 +11,6 @@
 namespace standin {
 namespace {
 
-Thing* Living(void* handle) {
-  Host* host = Host::Current();
-  return host && handle ? host->accounts().Look(handle) : nullptr;
-}
-
 // The thing behind a value where it is of the wanted sort, otherwise null.
 template <typename T>
 T* As(const Value& value) {
@@ -41,26 +36,13 @@ Reference Reference::Share(void* handle) {
 Reference Reference::Adopt(void* handle) {
   Reference reference;
   if (!handle || !Host::Current()) return reference;
-  reference.handle_ = handle;
-  reference.host_ = Host::Current()->accounts().serial();
+  const auto take_back = [serial = Host::Current()->accounts().serial()](void* held) {
+    Thing* thing = Living(held);
+    if (!thing || Host::Current()->accounts().serial() != serial) return;
+    Host::Current()->accounts().TakeBack(*thing, Side::kHost);
+  };
+  reference.handle_ = {handle, take_back};
   return reference;
-}
-
-Reference::Reference(const Reference& other) : Reference(Share(other.handle_)) {}
-
-Reference::Reference(Reference&& other) noexcept
-    : handle_(std::exchange(other.handle_, nullptr)), host_(other.host_) {}
-
-Reference& Reference::operator=(Reference other) noexcept {
-  std::swap(handle_, other.handle_);
-  std::swap(host_, other.host_);
-  return *this;
-}
-
-Reference::~Reference() {
-  Host* host = Host::Current();
-  if (!handle_ || !host || host->accounts().serial() != host_) return;
-  if (Thing* thing = host->accounts().Look(handle_)) host->accounts().TakeBack(*thing, Side::kHost);
 }
 
 Value::Value(std::string_view utf8) {
@@ -71,8 +53,8 @@ Value::Value(std::string_view utf8) {
 
 Value::Value(Kind kind, Reference reference) : kind_(kind), reference_(std::move(reference)) {}
 
-bool Value::IsNil() const {
-  return kind_ != Kind::kInteger && kind_ != Kind::kBoolean && kind_ != Kind::kDouble && !handle();
+bool Value::IsPlain() const {
+  return kind_ == Kind::kInteger || kind_ == Kind::kBoolean || kind_ == Kind::kDouble;
 }
 
 std::int32_t Value::Integer() const {

@@ -9,8 +9,10 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 namespace standin {
@@ -32,24 +34,18 @@ enum class Kind : unsigned char {
 // The kind's name in reports, such as "string array".
 const char* KindName(Kind kind);
 
-// One reference of the host's side on a host string, memory block, array or object. It must end
-// before its host does; one that is left over then does nothing.
+// One reference of the host's side on a host string, memory block, array or object, common to all
+// copies. It must end before its host does; one that is left over then does nothing.
 class Reference {
  public:
-  Reference() = default;
   // Adds a reference of its own; null stays null.
   static Reference Share(void* handle);
   // Takes over a reference that the accounts already count for the host's side.
   static Reference Adopt(void* handle);
-  Reference(const Reference& other);
-  Reference(Reference&& other) noexcept;
-  Reference& operator=(Reference other) noexcept;
-  ~Reference();
-  void* handle() const { return handle_; }
+  void* handle() const { return handle_.get(); }
 
  private:
-  void* handle_ = nullptr;
-  std::uint64_t host_ = 0;
+  std::shared_ptr<void> handle_;
 };
 
 // A nil, a plain value, or one reference to a host thing. A typed nil (Nil(Kind::kString), say)
@@ -58,6 +54,7 @@ class Reference {
 class Value {
  public:
   Value() = default;
+  Value(std::monostate) {}                                                // NOLINT: implicit
   Value(std::int32_t number) : kind_(Kind::kInteger), number_(number) {}  // NOLINT: implicit
   template <std::same_as<bool> B>
   Value(B truth) : kind_(Kind::kBoolean), number_(truth) {}        // NOLINT: implicit
@@ -71,8 +68,10 @@ class Value {
   static Value Nil(Kind kind) { return Value(kind, Reference()); }
 
   Kind kind() const { return kind_; }
+  // A number or a truth value.
+  bool IsPlain() const;
   // True for every kind of nil: the handle is null and the value is no plain one.
-  bool IsNil() const;
+  bool IsNil() const { return !IsPlain() && !handle(); }
   // The host's address of the thing, null for nil and plain values.
   void* handle() const { return reference_.handle(); }
 

@@ -1,4 +1,5 @@
 -- The reference's entries, as `zrkhost help NAME` and the prompt show them.
+local members = require "zrkhost.members"
 local pages = require "zrkhost.pages"
 local texts = require "zrkhost.texts"
 local help = {}
@@ -13,10 +14,6 @@ help Compile                        the reference's entry of a member
 help options, help constants        the names of the others
 
 Methods and properties of RegExZRK:]]
-
-local function members()
-  return host.members("RegExZRK")
-end
 
 -- The lines of the entry below "### Name", up to the next heading of its level or above.
 local function entry(name)
@@ -45,15 +42,7 @@ local function plain(lines)
   return (table.concat(shown, "\n"):gsub("^\n+", ""):gsub("\n+$", ""))
 end
 
--- The names of the members that `wanted` says yes to, each once.
-local function names(wanted)
-  local list, seen = {}, {}
-  for _, member in ipairs(members()) do
-    if wanted(member) and not seen[member.name] then list[#list + 1] = member.name end
-    seen[member.name] = true
-  end
-  return texts.columns(list, 78)
-end
+local function names(wanted) return texts.columns(members.names("RegExZRK", wanted), 78) end
 
 local function is_option(member) return member.kind == "property" and member.name:find("eOption%u") ~= nil end
 local lists = {
@@ -69,7 +58,7 @@ function help.text(name)
   local list = lists[(name or ""):lower()]
   if list then return list() end
   local declarations = {}
-  for _, member in ipairs(members()) do
+  for _, member in ipairs(host.members("RegExZRK")) do
     if member.name:lower() == name:lower() then
       local read_only = member.kind == "property" and not member.writable
       table.insert(declarations, member.declaration .. (read_only and " (read only)" or ""))
@@ -78,8 +67,7 @@ function help.text(name)
   local lines = entry(name)
   if lines then return plain(lines) end
   if #declarations > 0 then return table.concat(declarations, "\n") end
-  local _, message = pcall(function() return RegExZRK()[name] end)
-  return nil, (message:gsub("^[^\n]-: ", "", 1))
+  return nil, members.missing("RegExZRK", name)
 end
 
 function help.run(name)

@@ -4,16 +4,12 @@
 #include <string>
 
 #include "standin/object.h"
+#include "standin/zrkhost/lua_values.h"
 
 namespace standin::zrkhost {
 namespace {
 
 constexpr const char* kErrorTable = "host exception";
-
-void SetText(lua_State* L, const char* field, const std::string& text) {
-  lua_pushlstring(L, text.data(), text.size());
-  lua_setfield(L, -2, field);
-}
 
 void PushHostError(lua_State* L, const HostError& error) {
   lua_createtable(L, 0, 4);

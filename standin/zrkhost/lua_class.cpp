@@ -1,11 +1,9 @@
 #include "standin/zrkhost/lua_class.h"
 
 #include <string>
-#include <variant>
 
 #include "standin/zrkhost/lua_boundary.h"
 #include "standin/zrkhost/lua_values.h"
-#include "standin/zrkhost/members.h"
 
 namespace standin::zrkhost {
 namespace {
@@ -14,6 +12,9 @@ namespace {
 constexpr const char* kCallers = "host methods";
 
 constexpr const char* kWatcher = "watcher of methods";
+
+// The function of members.lua that says what a class has instead of a member.
+constexpr const char* kMissing = "missing member";
 
 // The name of the method or class that a function is for.
 const char* OwnName(lua_State* L) { return lua_tostring(L, lua_upvalueindex(1)); }
@@ -40,31 +41,22 @@ int CallMethod(lua_State* L) {
   return 1;
 }
 
-void PushCaller(lua_State* L, std::string_view name) {
+void PushCaller(lua_State* L, const std::string& name) {
   luaL_getsubtable(L, LUA_REGISTRYINDEX, kCallers);
-  lua_pushlstring(L, name.data(), name.size());
-  lua_pushvalue(L, -1);
-  if (lua_rawget(L, -3) == LUA_TNIL) {
-    lua_pop(L, 1);
-    lua_pushvalue(L, -1);
+  if (lua_getfield(L, -1, name.c_str()) == LUA_TNIL) {
+    PushText(L, name);
     lua_pushcclosure(L, Entry<CallMethod>, 1);
-    lua_pushvalue(L, -2);
-    lua_pushvalue(L, -2);
-    lua_rawset(L, -5);
+    lua_pushvalue(L, -1);
+    lua_setfield(L, -4, name.c_str());
   }
-  lua_replace(L, -3);
-  lua_pop(L, 1);
 }
 
-void PushLiteral(lua_State* L, const Literal& literal) {
-  struct Pusher {
-    lua_State* L;
-    void operator()(std::monostate) const { lua_pushnil(L); }
-    void operator()(std::int32_t number) const { lua_pushinteger(L, number); }
-    void operator()(bool truth) const { lua_pushboolean(L, truth); }
-    void operator()(const std::string& text) const { lua_pushlstring(L, text.data(), text.size()); }
-  };
-  std::visit(Pusher{L}, literal);
+[[noreturn]] void FailMissing(lua_State* L, const ClassInfo& info, const std::string& name) {
+  lua_getfield(L, LUA_REGISTRYINDEX, kMissing);
+  PushText(L, info.name());
+  PushText(L, name);
+  lua_call(L, 2, 1);
+  throw CallError(std::string(CheckText(L, -1)));
 }
 
 int New(lua_State* L) {
@@ -109,7 +101,7 @@ constexpr luaL_Reg kClassEvents[] = {{"__call", Entry<Construct>},
 
 }  // namespace
 
-void PushMember(lua_State* L, const Object& object, std::string_view name) {
+void PushMember(lua_State* L, const Object& object, const std::string& name) {
   const ClassInfo& info = object.class_info();
   if (info.FindProperty(name)) {
     PushValue(L, object.Get(name));
@@ -118,13 +110,13 @@ void PushMember(lua_State* L, const Object& object, std::string_view name) {
   } else if (!info.FindMethods(name).empty()) {
     PushCaller(L, name);
   } else {
-    throw CallError(NoMemberText(info, name));
+    FailMissing(L, info, name);
   }
 }
 
-void SetMember(const Object& object, std::string_view name, const Value& value) {
+void SetMember(lua_State* L, const Object& object, const std::string& name, const Value& value) {
   const ClassInfo& info = object.class_info();
-  if (!info.FindProperty(name)) throw CallError(NoMemberText(info, name));
+  if (!info.FindProperty(name)) FailMissing(L, info, name);
   object.Set(name, value);
 }
 
@@ -135,10 +127,16 @@ int WatchMethods(lua_State* L) {
 }
 
 void InstallClasses(lua_State* L, const Host& host) {
+  lua_getglobal(L, "require");
+  lua_pushliteral(L, "zrkhost.members");
+  lua_call(L, 1, 1);
+  lua_getfield(L, -1, "missing");
+  lua_setfield(L, LUA_REGISTRYINDEX, kMissing);
+  lua_pop(L, 1);
   for (const auto& info : host.classes()) {
     lua_newtable(L);
     lua_newtable(L);
-    lua_pushstring(L, info->name().c_str());
+    PushText(L, info->name());
     luaL_setfuncs(L, kClassEvents, 1);
     lua_setmetatable(L, -2);
     lua_setglobal(L, info->name().c_str());

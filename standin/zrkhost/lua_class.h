@@ -9,7 +9,7 @@
 #define ZRK_STANDIN_ZRKHOST_LUA_CLASS_H
 
 #include <lua.hpp>
-#include <string_view>
+#include <string>
 
 #include "standin/host.h"
 
@@ -17,15 +17,15 @@ namespace standin::zrkhost {
 
 // Pushes a property's value, a constant, or a function that calls the method; throws CallError
 // that names what there is where the class has no such member.
-void PushMember(lua_State* L, const Object& object, std::string_view name);
+void PushMember(lua_State* L, const Object& object, const std::string& name);
 
 // Sets a property; throws CallError likewise.
-void SetMember(const Object& object, std::string_view name, const Value& value);
+void SetMember(lua_State* L, const Object& object, const std::string& name, const Value& value);
 
 // (function): from now on called after every method, with object, name, result and arguments.
 int WatchMethods(lua_State* L);
 
-// Makes a global of each class that the host knows.
+// Makes a global of each class that the host knows, and completes the table `host`.
 void InstallClasses(lua_State* L, const Host& host);
 
 }  // namespace standin::zrkhost

@@ -12,50 +12,25 @@
 #include "host/records.h"
 #include "standin/encoding.h"
 #include "standin/object.h"
-#include "standin/zrkhost/describe.h"
 #include "standin/zrkhost/lua_boundary.h"
 #include "standin/zrkhost/lua_class.h"
 #include "standin/zrkhost/lua_tasks.h"
 #include "standin/zrkhost/lua_values.h"
-#include "standin/zrkhost/members.h"
 
 namespace standin::zrkhost {
 namespace {
 
-std::string_view CheckText(lua_State* L, int index) {
-  std::size_t size = 0;
-  const char* bytes = luaL_checklstring(L, index, &size);
-  return {bytes, size};
-}
-
-std::uint32_t EncodingOf(const std::string& name) {
-  if (const auto encoding = EncodingByName(name)) return *encoding;
-  std::string names;
-  for (const std::uint32_t code :
-       {zrk::kEncodingUTF8, zrk::kEncodingUTF16, zrk::kEncodingUTF32, zrk::kEncodingASCII,
-        zrk::kEncodingISOLatin1, zrk::kEncodingWindowsLatin1, zrk::kEncodingMacRoman,
-        zrk::kEncodingUnknown}) {
-    names += (names.empty() ? "" : ", ") + EncodingName(code);
-  }
-  throw CallError("no encoding is called \"" + name + "\"; there are: " + names);
-}
-
 int MakeString(lua_State* L) {
-  const std::uint32_t encoding = EncodingOf(luaL_optstring(L, 2, "UTF-8"));
+  const std::uint32_t encoding = EncodingByName(luaL_optstring(L, 2, "UTF-8"));
   PushHandle(L, Host::Current()->String(CheckText(L, 1), encoding));
   return 1;
 }
 
 int ConvertString(lua_State* L) {
-  const std::uint32_t from = EncodingOf(luaL_checkstring(L, 2));
-  const auto converted = ConvertText(CheckText(L, 1), from, EncodingOf(luaL_checkstring(L, 3)));
+  const std::uint32_t from = EncodingByName(luaL_checkstring(L, 2));
+  const auto converted = ConvertText(CheckText(L, 1), from, EncodingByName(luaL_checkstring(L, 3)));
   if (!converted) throw CallError("nothing converts from or to an unknown encoding");
-  lua_pushlstring(L, converted->data(), converted->size());
-  return 1;
-}
-
-int DescribeClasses(lua_State* L) {
-  lua_pushstring(L, Describe(*Host::Current(), Format::kText).c_str());
+  PushText(L, *converted);
   return 1;
 }
 
@@ -93,54 +68,68 @@ int TypeName(lua_State* L) {
   return 1;
 }
 
-struct Member {
-  std::string name;
-  const char* kind;
-  std::string declaration;
-  bool writable = false;
-};
+// Adds a table for the member to the list on top of the stack, with what a call of `push` adds to
+// it.
+template <typename Push>
+void AddMember(lua_State* L, const Member& member, const char* kind, Push push) {
+  lua_newtable(L);
+  SetText(L, "name", member.name);
+  SetText(L, "kind", kind);
+  SetText(L, "declaration", member.text);
+  SetTruth(L, "writable", false);
+  push();
+  lua_rawseti(L, -2, luaL_len(L, -2) + 1);
+}
 
-std::vector<Member> MembersOf(const ClassInfo& info) {
-  std::vector<Member> members;
-  for (const Method& method : info.methods()) {
-    members.push_back({method.declaration.name, "method", method.text});
+void SetParameters(lua_State* L, const MethodDeclaration& declaration) {
+  lua_newtable(L);
+  for (const Parameter& parameter : declaration.parameters) {
+    lua_newtable(L);
+    SetText(L, "name", parameter.name);
+    SetText(L, "type", parameter.type.name);
+    SetTruth(L, "optional", parameter.fallback.has_value());
+    PushLiteral(L, parameter.fallback.value_or(Literal()));
+    lua_setfield(L, -2, "default");
+    lua_rawseti(L, -2, luaL_len(L, -2) + 1);
   }
-  for (const Property& property : info.properties()) {
-    const bool writable = property.setter != nullptr;
-    members.push_back({property.name, "property", PropertyText(property), writable});
-  }
-  for (const Constant& constant : info.constants()) {
-    members.push_back({constant.declaration.name, "constant", constant.text});
-  }
-  return members;
+  lua_setfield(L, -2, "parameters");
 }
 
 int ListMembers(lua_State* L) {
+  if (lua_isnone(L, 1)) {
+    lua_newtable(L);
+    for (const auto& info : Host::Current()->classes()) AppendText(L, info->name());
+    return 1;
+  }
   const std::string name = luaL_checkstring(L, 1);
   const ClassInfo* info = Host::Current()->FindClass(name);
   if (!info) throw CallError("there is no class \"" + name + "\"");
   lua_newtable(L);
-  for (const Member& member : MembersOf(*info)) {
-    lua_createtable(L, 0, 4);
-    lua_pushstring(L, member.name.c_str());
-    lua_setfield(L, -2, "name");
-    lua_pushstring(L, member.kind);
-    lua_setfield(L, -2, "kind");
-    lua_pushstring(L, member.declaration.c_str());
-    lua_setfield(L, -2, "declaration");
-    lua_pushboolean(L, member.writable);
-    lua_setfield(L, -2, "writable");
-    lua_rawseti(L, -2, luaL_len(L, -2) + 1);
+  for (const Method& method : info->methods()) {
+    AddMember(L, method, "method", [L, &method] {
+      SetParameters(L, method.declaration);
+      const Type& result = method.declaration.result;
+      if (result.kind != Kind::kNil) SetText(L, "result", result.name);
+    });
+  }
+  for (const Property& property : info->properties()) {
+    AddMember(L, property, "property", [L, &property] {
+      SetText(L, "type", property.type.name);
+      SetTruth(L, "writable", property.setter != nullptr);
+    });
+  }
+  for (const Constant& constant : info->constants()) {
+    AddMember(L, constant, "constant", [L, &constant] {
+      PushLiteral(L, constant.declaration.value);
+      lua_setfield(L, -2, "value");
+    });
   }
   return 1;
 }
 
 int ListProblems(lua_State* L) {
   lua_newtable(L);
-  for (const std::string& problem : Host::Current()->Problems()) {
-    lua_pushstring(L, problem.c_str());
-    lua_rawseti(L, -2, luaL_len(L, -2) + 1);
-  }
+  for (const std::string& problem : Host::Current()->Problems()) AppendText(L, problem);
   return 1;
 }
 
@@ -159,7 +148,6 @@ int IsTerminal(lua_State* L) {
 
 constexpr luaL_Reg kFunctions[] = {{"string", Entry<MakeString>},
                                    {"convert", Entry<ConvertString>},
-                                   {"describe", Entry<DescribeClasses>},
                                    {"memoryblock", Entry<MakeMemoryBlock>},
                                    {"stringarray", Entry<MakeStringArray>},
                                    {"variantarray", Entry<MakeVariantArray>},

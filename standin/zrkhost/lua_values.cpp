@@ -15,12 +15,6 @@ namespace {
 
 using Limits = std::numeric_limits<std::int32_t>;
 
-std::string_view ToText(lua_State* L, int index) {
-  std::size_t size = 0;
-  const char* bytes = lua_tolstring(L, index, &size);
-  return {bytes, size};
-}
-
 Value ToNumber(lua_State* L, int index) {
   int whole = 0;
   const lua_Integer number = lua_tointegerx(L, index, &whole);
@@ -51,17 +45,41 @@ lua_Integer ElementCount(lua_State* L, int index) {
 Value ToElement(lua_State* L, int index) {
   if (lua_istable(L, index)) throw CallError("arrays hold no arrays");
   Value value = ToValue(L, index);
-  const Kind kind = value.kind();
-  const bool plain = kind == Kind::kInteger || kind == Kind::kBoolean || kind == Kind::kDouble;
-  if (plain || kind == Kind::kString || value.IsNil()) return value;
-  throw CallError(std::string("arrays hold no ") + KindName(kind));
-}
-
-void PushText(lua_State* L, const std::string& text) {
-  lua_pushlstring(L, text.data(), text.size());
+  if (value.IsPlain() || value.kind() == Kind::kString || value.IsNil()) return value;
+  throw CallError(std::string("arrays hold no ") + KindName(value.kind()));
 }
 
 }  // namespace
+
+std::string_view CheckText(lua_State* L, int index) {
+  std::size_t size = 0;
+  const char* bytes = luaL_checklstring(L, index, &size);
+  return {bytes, size};
+}
+
+void PushText(lua_State* L, std::string_view text) { lua_pushlstring(L, text.data(), text.size()); }
+
+void PushLiteral(lua_State* L, const Literal& literal) {
+  if (const auto* number = std::get_if<std::int32_t>(&literal)) return lua_pushinteger(L, *number);
+  if (const auto* truth = std::get_if<bool>(&literal)) return lua_pushboolean(L, *truth);
+  if (const auto* text = std::get_if<std::string>(&literal)) return PushText(L, *text);
+  lua_pushnil(L);
+}
+
+void SetText(lua_State* L, const char* field, std::string_view text) {
+  PushText(L, text);
+  lua_setfield(L, -2, field);
+}
+
+void SetTruth(lua_State* L, const char* field, bool truth) {
+  lua_pushboolean(L, truth);
+  lua_setfield(L, -2, field);
+}
+
+void AppendText(lua_State* L, std::string_view text) {
+  PushText(L, text);
+  lua_rawseti(L, -2, luaL_len(L, -2) + 1);
+}
 
 Value ToValue(lua_State* L, int index) {
   switch (lua_type(L, index)) {
@@ -72,7 +90,7 @@ Value ToValue(lua_State* L, int index) {
     case LUA_TNUMBER:
       return ToNumber(L, index);
     case LUA_TSTRING:
-      return ToText(L, index);
+      return CheckText(L, index);
     case LUA_TTABLE:
       return ToArray(L, index);
     default:

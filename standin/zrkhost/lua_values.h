@@ -11,13 +11,25 @@
 
 #include <cstddef>
 #include <lua.hpp>
+#include <string_view>
 
+#include "standin/declaration.h"
 #include "standin/value.h"
 
 namespace standin::zrkhost {
 
 // The name of the metatable that all handles have.
 inline constexpr const char* kHandle = "host value";
+
+// The text at `index`, which lives as long as its Lua string does; another argument is a Lua error.
+std::string_view CheckText(lua_State* L, int index);
+void PushText(lua_State* L, std::string_view text);
+void PushLiteral(lua_State* L, const Literal& literal);
+
+// Each adds to the table on top of the stack: a field, or an element at its end.
+void SetText(lua_State* L, const char* field, std::string_view text);
+void SetTruth(lua_State* L, const char* field, bool truth);
+void AppendText(lua_State* L, std::string_view text);
 
 // The value for what is at `index`; throws CallError where the host has nothing like it.
 Value ToValue(lua_State* L, int index);

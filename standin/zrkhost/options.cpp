@@ -2,6 +2,7 @@
 
 #include <getopt.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <system_error>
@@ -10,19 +11,6 @@ namespace standin::zrkhost {
 namespace {
 
 constexpr const char* kLibraryName = "libZRKRegEx.so";
-
-// Long options without a letter of their own.
-enum Code { kLibrary = 256, kHost, kWithout, kNoDirectStorage, kTrace, kDescribe };
-
-constexpr option kOptions[] = {{"library", required_argument, nullptr, kLibrary},
-                               {"host", required_argument, nullptr, kHost},
-                               {"without", required_argument, nullptr, kWithout},
-                               {"no-direct-storage", no_argument, nullptr, kNoDirectStorage},
-                               {"trace", no_argument, nullptr, kTrace},
-                               {"describe", optional_argument, nullptr, kDescribe},
-                               {"help", no_argument, nullptr, 'h'},
-                               {"version", no_argument, nullptr, 'v'},
-                               {nullptr, 0, nullptr, 0}};
 
 // Beside the program, as built, or where "make install" puts it.
 std::filesystem::path FindLibrary() {
@@ -40,8 +28,8 @@ std::optional<double> ParseVersion(const std::string& text) {
   throw UsageError("--host takes a version such as 2013.04, or none, not \"" + text + "\"");
 }
 
-Format ParseFormat(const std::string& text) {
-  if (const auto format = FormatByName(text)) return *format;
+std::string CheckFormat(const std::string& text) {
+  if (text == "text" || text == "markdown" || text == "json") return text;
   throw UsageError("--describe knows text, markdown and json, not \"" + text + "\"");
 }
 
@@ -50,39 +38,29 @@ void PrintTrace(std::string_view line) {
   std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
 }
 
-void Apply(Options& options, int code, const char* argument) {
-  switch (code) {
-    case kLibrary:
-      options.library = argument;
-      break;
-    case kHost:
-      options.host.version = ParseVersion(argument);
-      break;
-    case kWithout:
-      options.host.faults[argument] = Fault::Missing();
-      break;
-    case kNoDirectStorage:
-      options.host.direct_storage = false;
-      break;
-    case kTrace:
-      options.host.trace = PrintTrace;
-      break;
-    case kDescribe:
-      options.describe = ParseFormat(argument ? argument : "text");
-      break;
-    case 'e':
-      options.code.emplace_back(argument);
-      break;
-    case 'h':
-      options.help = true;
-      break;
-    case 'v':
-      options.version = true;
-      break;
-    default:
-      break;
-  }
-}
+struct Row {
+  const char* name;  // of the long option; null where there is none
+  int argument;
+  char letter;  // of the short option, for e, h and v; the others are known by it here alone
+  void (*apply)(Options& options, const char* argument);
+};
+
+constexpr Row kRows[] = {
+    {"library", required_argument, 'l', [](Options& o, const char* file) { o.library = file; }},
+    {"host", required_argument, 'o',
+     [](Options& o, const char* text) { o.host.version = ParseVersion(text); }},
+    {"without", required_argument, 'w',
+     [](Options& o, const char* service) { o.host.faults[service] = Fault::Missing(); }},
+    {"no-direct-storage", no_argument, 's',
+     [](Options& o, const char*) { o.host.direct_storage = false; }},
+    {"trace", no_argument, 't', [](Options& o, const char*) { o.host.trace = PrintTrace; }},
+    {"describe", optional_argument, 'd',
+     [](Options& o, const char* format) { o.describe = CheckFormat(format ? format : "text"); }},
+    {nullptr, required_argument, 'e',
+     [](Options& o, const char* code) { o.code.emplace_back(code); }},
+    {"help", no_argument, 'h', [](Options& o, const char*) { o.help = true; }},
+    {"version", no_argument, 'v', [](Options& o, const char*) { o.version = true; }},
+};
 
 }  // namespace
 
@@ -118,13 +96,18 @@ was given back twice, or never.
 Options ParseOptions(int argc, char** argv) {
   Options options;
   options.library = FindLibrary();
-  int code = 0;
+  std::vector<option> names;
+  for (const Row& row : kRows) {
+    if (row.name) names.push_back({row.name, row.argument, nullptr, row.letter});
+  }
+  names.push_back({});
+  int letter = 0;
   // "+": what follows the script belongs to the script; ":": errors are told apart and left to us.
-  while ((code = getopt_long(argc, argv, "+:e:hv", kOptions, nullptr)) != -1) {
+  while ((letter = getopt_long(argc, argv, "+:e:hv", names.data(), nullptr)) != -1) {
     const std::string given = argv[optind - 1];
-    if (code == '?') throw UsageError("no option \"" + given + "\"; zrkhost --help lists them");
-    if (code == ':') throw UsageError("the option \"" + given + "\" needs an argument");
-    Apply(options, code, optarg);
+    if (letter == '?') throw UsageError("no option \"" + given + "\"; zrkhost --help lists them");
+    if (letter == ':') throw UsageError("the option \"" + given + "\" needs an argument");
+    std::ranges::find(kRows, letter, &Row::letter)->apply(options, optarg);
   }
   options.script.assign(argv + optind, argv + argc);
   return options;

@@ -3,13 +3,11 @@
 #define ZRK_STANDIN_ZRKHOST_OPTIONS_H
 
 #include <filesystem>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "standin/host.h"
-#include "standin/zrkhost/describe.h"
 
 namespace standin::zrkhost {
 
@@ -17,7 +15,7 @@ struct Options {
   std::filesystem::path library;  // as given, or the one beside the program
   HostOptions host;
   std::vector<std::string> code;  // of each -e
-  std::optional<Format> describe;
+  std::string describe;           // the format; empty: not asked for
   bool help = false;
   bool version = false;
   std::vector<std::string> script;  // the script ("-": what comes in) and its arguments

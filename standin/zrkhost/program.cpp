@@ -35,13 +35,8 @@ constexpr Command kCommands[] = {
 // os.exit of programs.
 int ExitProgram(lua_State* L) {
   auto* program = static_cast<Program*>(lua_touserdata(L, lua_upvalueindex(1)));
-  int status = kSuccess;
-  if (lua_isboolean(L, 1)) {
-    status = lua_toboolean(L, 1) ? kSuccess : kProgramFailed;
-  } else {
-    status = static_cast<int>(luaL_optinteger(L, 1, kSuccess));
-  }
-  program->Exit(status);
+  if (lua_isboolean(L, 1)) program->Exit(lua_toboolean(L, 1) ? kSuccess : kProgramFailed);
+  program->Exit(static_cast<int>(luaL_optinteger(L, 1, kSuccess)));
 }
 
 void ReplaceExit(lua_State* L, Program* program) {
@@ -67,8 +62,8 @@ void Program::OpenState() {
   InstallErrors(state);
   InstallHandles(state);
   InstallHost(state, host_);
-  InstallClasses(state, host_);
   InstallModules(state);
+  InstallClasses(state, host_);
   ReplaceExit(state, this);
 }
 
@@ -111,12 +106,11 @@ int Program::Run() {
     PrintVersions();
     return Finish(kSuccess);
   }
-  if (options_.describe) {
-    std::fputs(Describe(host_, *options_.describe).c_str(), stdout);
-    return Finish(kSuccess);
-  }
   OpenState();
-  const bool succeeded = RunCode() && RunScript() && !TaskFailed(lua_.get());
+  const bool succeeded = options_.describe.empty()
+                             ? RunCode() && RunScript() && !TaskFailed(lua_.get())
+                             : RunText(lua_.get(), "io.write(host.describe(...))", "=(zrkhost)",
+                                       {"--describe", options_.describe});
   return Finish(succeeded ? kSuccess : kProgramFailed);
 }
 

@@ -27,10 +27,6 @@ class Program {
   [[noreturn]] void Exit(int status);
 
  private:
-  struct CloseState {
-    void operator()(lua_State* L) const { lua_close(L); }
-  };
-
   // What each class that has a method "Version" answers to it.
   void PrintVersions();
   void OpenState();
@@ -42,7 +38,7 @@ class Program {
   Options options_;
   Library library_;
   Host host_;
-  std::unique_ptr<lua_State, CloseState> lua_;
+  std::unique_ptr<lua_State, decltype(&lua_close)> lua_{nullptr, lua_close};
 };
 
 }  // namespace standin::zrkhost

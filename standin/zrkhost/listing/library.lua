@@ -276,7 +276,7 @@ end
 row("Ticks As Integer", function() return math.floor(host.clock() * 60) end)
 row("Microseconds As Double", function() return host.clock() * 1e6 end)
 
--- What the host has loaded: `host.describe()` lists methods, properties and constants.
+-- What the host has loaded.
 
 local function to_host(value, wanted)
   if wanted == "String" and type(value) == "table" then
@@ -291,9 +291,12 @@ local function from_host(value)
   return type(value) == "table" and L.array_of(value) or value
 end
 
-local function host_method(class, declaration)
-  local name = declaration:match "^%w+"
-  local declared = row(class .. "." .. declaration)
+-- A row for a member of each kind.
+local bind = {}
+
+function bind.method(class, member)
+  local name = member.name
+  local declared = row(class .. "." .. member.declaration)
   local function convert(...)
     local given = table.pack(...)
     for i = 1, given.n do given[i] = to_host(given[i], declared.parameters[i].type) end
@@ -303,31 +306,20 @@ local function host_method(class, declaration)
     or function(object, ...) return from_host(object[name](object, convert(...))) end)
 end
 
-local function host_property(class, declaration, access)
-  local name = declaration:match "^%w+"
-  row(class .. "." .. declaration, function(object) return object[name] end,
-      access:find "write" and function(object, value) object[name] = value end, property)
+function bind.property(class, member)
+  local name = member.name
+  row(class .. "." .. member.declaration, function(object) return object[name] end,
+      member.writable and function(object, value) object[name] = value end, property)
 end
 
-local function host_constant(class, name, value)
-  row(("%s.%s As Integer"):format(class, name), function() return value end, nil,
+function bind.constant(class, member)
+  row(("%s.%s As Integer"):format(class, member.name), function() return member.value end, nil,
       {static = true, property = true})
 end
 
-local class
-for line in host.describe():gmatch "[^\n]+" do
-  local declared, access = line:match "^  (%w+ as [^,]*), (read.*)"
-  local constant, value = line:match "^  (%w+) = (-?%d+)$"
-  if line:find "^Class " then
-    class = line:match "^Class (%w+)"
-    types.class(class)
-  elseif declared then
-    host_property(class, declared, access)
-  elseif constant then
-    host_constant(class, constant, math.tointeger(value))
-  elseif line:find "^  " then
-    host_method(class, line:match "^%s*(.*)")
-  end
+for _, class in ipairs(host.members()) do
+  types.class(class)
+  for _, member in ipairs(host.members(class)) do bind[member.kind](class, member) end
 end
 
 return rows

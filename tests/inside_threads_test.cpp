@@ -1,7 +1,9 @@
-// The threaded runner itself, in the forms and failures that no method of the class reaches, and
-// what objects on several threads share.
+// Threads and deep stacks where the system refuses them, the runner in the forms that no method of
+// the class reaches, and what objects on several threads share. The product is linked in, so that
+// this program's own functions can stand in front of the system's.
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <sys/mman.h>
 
 #include <atomic>
 #include <cerrno>
@@ -14,193 +16,249 @@
 #include "host/state.h"
 #include "host/threaded_runner.h"
 #include "regex/compile.h"
-#include "regex/engine.h"
 #include "regex/execute.h"
 #include "regex/match.h"
 #include "regex/replace.h"
-#include "regex/stack_depth.h"
 #include "standin/host.h"
+#include "tests/calls.h"
 
 extern "C" void REALPluginMain(zrk::HostResolver resolver);
 
 namespace {
 
-bool no_thread = false;
-bool no_attributes = false;
+// What the system refuses.
+struct Refused {
+  int create = 0;  // the call of pthread_create, counted from 1; kEvery for all
+  bool attributes = false;
+  bool bounds = false;
+  bool memory = false;
+};
+constexpr int kEvery = -1;
+Refused refused;
+
+std::atomic<int> creates = 0;
+std::atomic<bool> created_quiet = false;  // the last thread, by one whose signals are blocked
+
+bool AreSignalsBlocked() {
+  sigset_t mask;
+  pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+  return sigismember(&mask, SIGINT) == 1 && sigismember(&mask, SIGRTMAX) == 1;
+}
 
 }  // namespace
 
-// What the product calls instead of the two functions, and the functions themselves.
+// What the product calls instead of the functions, and the functions themselves.
 extern "C" {
 int __real_pthread_create(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
 int __real_pthread_attr_init(pthread_attr_t*);
+int __real_pthread_getattr_np(pthread_t, pthread_attr_t*);
+void* __real_mmap(void*, std::size_t, int, int, int, off_t);
 
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                           void* (*start)(void*), void* argument) {
-  return no_thread ? EAGAIN : __real_pthread_create(thread, attributes, start, argument);
+  created_quiet = AreSignalsBlocked();
+  const int call = ++creates;
+  if (refused.create == kEvery || refused.create == call) return EAGAIN;
+  return __real_pthread_create(thread, attributes, start, argument);
 }
 
 int __wrap_pthread_attr_init(pthread_attr_t* attributes) {
-  return no_attributes ? ENOMEM : __real_pthread_attr_init(attributes);
+  return refused.attributes ? ENOMEM : __real_pthread_attr_init(attributes);
+}
+
+int __wrap_pthread_getattr_np(pthread_t thread, pthread_attr_t* attributes) {
+  return refused.bounds ? ENOMEM : __real_pthread_getattr_np(thread, attributes);
+}
+
+void* __wrap_mmap(void* address, std::size_t length, int protection, int flags, int file,
+                  off_t offset) {
+  if (refused.memory) return MAP_FAILED;
+  return __real_mmap(address, length, protection, flags, file, offset);
 }
 }
 
 namespace {
 
-struct Seen {
-  int works = 0;
-  int idles = 0;
-  bool on_caller = true;
-  std::thread::id caller = std::this_thread::get_id();
-};
+using namespace tests;
 
-void Work(Seen& seen) {
-  ++seen.works;
-  seen.on_caller = std::this_thread::get_id() == seen.caller;
+const std::string kDeep(60'000, 'a');
+
+// Runs a test with a host of its own on a thread whose stack nobody has looked at yet.
+template <typename Test>
+void OnFreshThread(Test test) {
+  std::thread([&] {
+    standin::Host host;
+    REALPluginMain(&standin::Host::Resolve);
+    refused = {};
+    creates = 0;
+    test(host);
+    refused = {};
+    EXPECT_EQ(host.Problems(), std::vector<std::string>());
+  }).join();
 }
 
-void SlowWork(Seen& seen) {
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  Work(seen);
+Object Compiled(standin::Host& host, const char* pattern) {
+  Object regex = host.New("RegExZRK");
+  EXPECT_TRUE(regex.Call("Compile", {pattern}).Boolean());
+  return regex;
 }
 
-// On the caller's thread only, and so beside the worker's fields.
-void Idle(Seen& seen) {
-  ++seen.idles;
-  EXPECT_EQ(std::this_thread::get_id(), seen.caller);
+std::string Execute(const Object& regex, const Value& subject, const char* method = "Execute") {
+  return Show(regex, regex.TryCall(method, {subject}));
 }
 
-// How many of six signals are blocked on the calling thread.
-int CountBlocked() {
-  sigset_t mask;
-  pthread_sigmask(SIG_BLOCK, nullptr, &mask);
-  int blocked = 0;
-  for (const int signal : {SIGINT, SIGALRM, SIGCHLD, SIGUSR1, SIGPROF, SIGRTMAX}) {
-    blocked += sigismember(&mask, signal);
-  }
-  return blocked;
+TEST(Runner, IdlesOnItsOwnThreadWhileAnotherWorks) {
+  OnFreshThread([](standin::Host& host) {
+    const auto caller = std::this_thread::get_id();
+    int works = 0;
+    unsigned idles = 0;
+    const auto work = [&] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      ++works;
+      EXPECT_NE(std::this_thread::get_id(), caller);
+    };
+    const auto idle = [&] {
+      ++idles;
+      EXPECT_EQ(std::this_thread::get_id(), caller);
+    };
+    zrk::RunThreaded(work, idle);
+    EXPECT_GE(idles, 2U);
+    // A turn before the first look, one in each cycle and one at the end; an idle call in each
+    // cycle and one at the end.
+    EXPECT_EQ(host.Calls("REALYieldToRB"), idles + 1);
+    zrk::RunThreaded(nullptr, idle);
+    zrk::RunThreaded(work, nullptr);
+    EXPECT_EQ(works, 2);
+    const auto throwing_idle = [] { throw standin::NativeException(); };
+    EXPECT_THROW(zrk::RunThreaded(work, throwing_idle), standin::NativeException);
+    EXPECT_EQ(works, 3) << "waits for the work";
+  });
 }
 
-class ThreadedRunner : public testing::Test {
- protected:
-  ThreadedRunner() { REALPluginMain(&standin::Host::Resolve); }
-  ~ThreadedRunner() override {
-    no_thread = no_attributes = false;
-    EXPECT_EQ(host_.Problems(), std::vector<std::string>());
-  }
-  unsigned Yields() const { return static_cast<unsigned>(host_.Calls("REALYieldToRB")); }
-
-  standin::Host host_;
-  Seen seen_;
-};
-
-TEST_F(ThreadedRunner, RunsTheWorkOnAnotherThreadAndIdlesOnThisOne) {
-  zrk::RunThreaded([&] { SlowWork(seen_); }, [&] { Idle(seen_); });
-  EXPECT_EQ(seen_.works, 1);
-  EXPECT_FALSE(seen_.on_caller);
-  EXPECT_GE(seen_.idles, 2);
-  // A turn before the first look, one in each cycle and one at the end; an idle call in each cycle
-  // and one at the end.
-  EXPECT_EQ(Yields(), static_cast<unsigned>(seen_.idles) + 1);
-}
-
-TEST_F(ThreadedRunner, NeedsNeitherWorkNorIdle) {
-  zrk::RunThreaded(nullptr, [&] { Idle(seen_); });
-  EXPECT_EQ(seen_.works, 0);
-  EXPECT_GE(seen_.idles, 1);
-  EXPECT_GE(Yields(), 2U);
-  zrk::RunThreaded([&] { Work(seen_); }, nullptr);
-  EXPECT_EQ(seen_.works, 1);
-  zrk::RunThreaded(nullptr, nullptr);
-}
-
-TEST_F(ThreadedRunner, DoesNothingWhereNoThreadCanBeHad) {
-  for (bool* const missing : {&no_thread, &no_attributes}) {
-    *missing = true;
-    zrk::RunThreaded([&] { Work(seen_); }, [&] { Idle(seen_); });
-    EXPECT_EQ(seen_.works, 0);
-    EXPECT_EQ(seen_.idles, 0);
-    EXPECT_EQ(Yields(), 0U);
-    *missing = false;
-  }
-  zrk::RunThreaded([&] { Work(seen_); }, [&] { Idle(seen_); });
-  EXPECT_EQ(seen_.works, 1);
-}
-
-// A handler of the program would run on a stack that was measured for something else.
-TEST_F(ThreadedRunner, AndTheDeepStackTakeNoSignals) {
-  int blocked = 0;
-  zrk::RunThreaded([&] { blocked = CountBlocked(); }, nullptr);
-  EXPECT_EQ(blocked, 6);
-  blocked = 0;
-  EXPECT_TRUE(zrk::RunOnDeepStack([&](std::size_t) { blocked = CountBlocked(); }));
-  EXPECT_EQ(blocked, 6);
-  EXPECT_EQ(CountBlocked(), 0);
-}
-
-// What the engine's calls share is right for several threads at once, each with a pattern of its
-// own.
-TEST(Engine, RunsOnSeveralThreadsAtOnce) {
-  const std::string shallow(20, 'a');
-  const std::string deep(20'000, 'a');
-  const auto search = [&] {
-    const char* error = nullptr;
-    int offset = 0;
-    pcre* const code = pcre_compile("(?:a|b)*$", 0, &error, &offset, nullptr);
-    std::vector<std::int32_t> vector(30);
-    zrk::RegExClassData data{};
-    data.Handle = code;
-    data.Vector = vector.data();
-    data.VectorSize = 30;
-    for (int round = 0; round < 50; ++round) {
-      const std::string& text = round % 10 == 0 ? deep : shallow;
-      zrk::EngineCall call = zrk::PrepareCall(data);
-      zrk::SubjectBytes subject{text};
-      zrk::SetSubject(call, &subject, 0);
-      EXPECT_EQ(zrk::RunEngine(call), 1);
-      EXPECT_EQ(vector[1], call.length);
+// A handler of the program would run on a stack that was measured for something else. A thread
+// begins with its creator's mask.
+TEST(Threads, TakeNoSignals) {
+  OnFreshThread([](standin::Host& host) {
+    const Object regex = Compiled(host, "(?-U)(?:a|b)*$");
+    for (const auto& [method, subject] :
+         {std::pair("ExecuteMT", "ab"), {"Execute", kDeep.c_str()}}) {
+      created_quiet = false;
+      EXPECT_EQ(Execute(regex, subject, method), "1 err=0");
+      EXPECT_TRUE(created_quiet) << method;
+      EXPECT_FALSE(AreSignalsBlocked()) << method;
     }
-    pcre_free(code);
-  };
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) threads.emplace_back(search);
-  for (std::thread& thread : threads) thread.join();
+  });
 }
 
-TEST_F(ThreadedRunner, WaitsForTheWorkWhenAnIdleCallThrows) {
-  const auto throwing_idle = [] { throw standin::NativeException(); };
-  EXPECT_THROW(zrk::RunThreaded([&] { SlowWork(seen_); }, throwing_idle), standin::NativeException);
-  EXPECT_EQ(seen_.works, 1);
+TEST(Threads, AreDoneWithoutWhereTheyCannotBeHad) {
+  struct Row {
+    const char* name;
+    Refused refused;
+    const char* threaded;
+  };
+  const Row rows[] = {
+      {"threads", {.create = kEvery}, "0 err=-99"},
+      {"attributes", {.attributes = true}, "0 err=-99"},
+      {"memory", {.memory = true}, "2 err=0"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    OnFreshThread([&](standin::Host& host) {
+      const Object regex = Compiled(host, "(?-U)(?:(a)|b)*$");
+      EXPECT_EQ(Execute(regex, kDeep), "2 err=0");
+      refused = row.refused;
+      EXPECT_EQ(Execute(regex, kDeep), "-21 err=-21");
+      EXPECT_EQ(regex.Call("Offset", {2}).Integer(), 0) << "of a match that was not finished";
+      EXPECT_FALSE(regex.Call("Match", {kDeep}).Boolean());
+      EXPECT_EQ(regex.Call("ReplaceAll", {kDeep, "N"}).UTF8(), kDeep);
+      EXPECT_EQ(Execute(regex, "ab", "ExecuteMT"), row.threaded);
+      EXPECT_EQ(host.Calls("REALYieldToRB") > 0, *row.threaded == '2');
+      EXPECT_EQ(Execute(regex, "ab"), "2 err=0");
+      refused = {};
+      EXPECT_EQ(Execute(regex, kDeep, "ExecuteMT"), "2 err=0");
+    });
+  }
+}
+
+// A host with stacks of its own: nothing is counted on, though the thread would have had room.
+TEST(DeepStack, IsTakenAtOnceWhereTheThreadsBoundsAreNotKnown) {
+  for (const bool unknown : {false, true}) {
+    SCOPED_TRACE(unknown);
+    OnFreshThread([&](standin::Host& host) {
+      refused.bounds = unknown;
+      const Object regex = Compiled(host, "a+b");
+      EXPECT_EQ(Execute(regex, std::string(1'000, 'a') + 'b'), "1 err=0");
+      EXPECT_TRUE(regex.Call("Study").Boolean());
+      EXPECT_EQ(creates, unknown ? 3 : 0);
+      refused.memory = true;
+      const std::string raised = unknown ? "OutOfMemoryException: Failed to allocate memory." : "";
+      EXPECT_EQ(Raised(regex.TryCall("Study")), raised);
+      EXPECT_EQ(Raised(regex.TryCall("Compile", {"a+c"})), raised);
+      refused.memory = false;
+      EXPECT_EQ(Execute(regex, "ac"), unknown ? "0 err=-99" : "1 err=0");
+      EXPECT_TRUE(regex.Call("Compile", {"a+c"}).Boolean());
+      EXPECT_EQ(Execute(regex, "ac"), "1 err=0");
+    });
+  }
+}
+
+TEST(DeepStack, DoesNotHelpPastAPatternsOwnLimit) {
+  OnFreshThread([](standin::Host& host) {
+    const Object low = Compiled(host, "(*LIMIT_RECURSION=100)(?-U)(?:a|b)*$");
+    const Object high = Compiled(host, "(*LIMIT_RECURSION=900000)(?-U)(?:a|b)*$");
+    EXPECT_EQ(Execute(low, kDeep), "-21 err=-21");
+    EXPECT_EQ(creates, 0);
+    EXPECT_EQ(Execute(high, kDeep), "1 err=0");
+    EXPECT_EQ(creates, 1);
+  });
+}
+
+// Where a result outgrows its room, the rest is searched once for its size and once more to be
+// replaced. A system that could not give a stack at first may give one later, or the other way
+// round: what was not sized finds room all the same.
+TEST(DeepStack, ThatIsMissedOnceLeavesRoomForWhatIsFound) {
+  for (const auto& [failing, deep_size] : {std::pair(1, 20'019U), {2, 20'000U}}) {
+    OnFreshThread([&](standin::Host& host) {
+      const Object regex = Compiled(host, "(?-U)x|(?:a|b)+$");
+      const std::string target = std::string(60'000, 'x') + std::string(20'000, 'a');
+      refused.create = failing;
+      const Value result = regex.Call("ReplaceAll", {target, "\\0" + std::string(19, '-')});
+      EXPECT_EQ(result.Bytes().size(), 60'000 * 20 + deep_size) << failing;
+      EXPECT_EQ(creates, 2);
+    });
+  }
+}
+
+// The first byte of a host's text is not part of it.
+zrk::REALstringStruct TextOf(std::string& bytes) {
+  return {reinterpret_cast<unsigned char*>(bytes.data()),
+          static_cast<std::int32_t>(bytes.size()) - 1, zrk::kEncodingUTF8};
 }
 
 // A program may give each of its threads an object. This host lacks every service, so what the
 // threads share is the library's own.
 TEST(Objects, MayEachHaveAThread) {
-  static std::atomic<int> asked;
-  asked = 0;
-  zrk::ConnectHost([](const char*) -> zrk::HostFunction {
-    ++asked;
-    return nullptr;
-  });
-  static unsigned char pattern_bytes[] = "\0(?:a|b)+c";
-  static unsigned char text_bytes[] = "\0abababababc, and another abc";
-  const auto search = [] {
-    zrk::REALstringStruct pattern{pattern_bytes, sizeof pattern_bytes - 2, zrk::kEncodingUTF8};
-    zrk::REALstringStruct text{text_bytes, sizeof text_bytes - 2, zrk::kEncodingUTF8};
-    for (int i = 0; i < 200; ++i) {
+  zrk::ConnectHost([](const char*) -> zrk::HostFunction { return nullptr; });
+  std::string pattern_bytes = ".(?-U)(?:a|b)+c";
+  std::string shallow_bytes = ".abababababc, and another abc";
+  std::string deep_bytes = '.' + std::string(20'000, 'a') + "c, and another abc";
+  const auto search = [&] {
+    zrk::REALstringStruct pattern = TextOf(pattern_bytes);
+    zrk::REALstringStruct texts[] = {TextOf(shallow_bytes), TextOf(deep_bytes)};
+    for (int round = 0; round < 200; ++round) {
+      zrk::REALstringStruct* const text = &texts[round % 50 == 0 ? 1 : 0];
       zrk::RegExClassData data{};
       zrk::RegExConstructor(data, 0);
       ASSERT_TRUE(zrk::rb_pcre_compile2(data, &pattern));
-      ASSERT_EQ(zrk::rb_pcre_exec(data, &text, 0), 1);
-      ASSERT_EQ(zrk::rb_pcre_execAgain(data, 11), 1);
-      ASSERT_TRUE(zrk::Match(data, &text));
-      EXPECT_EQ(zrk::ReplaceAll(data, &text, nullptr), nullptr) << "this host builds no strings";
+      ASSERT_EQ(zrk::rb_pcre_exec(data, text, 0), 1);
+      ASSERT_EQ(zrk::rb_pcre_execAgain(data, data.Vector[1]), 1);
+      ASSERT_TRUE(zrk::Match(data, text));
+      EXPECT_EQ(zrk::ReplaceAll(data, text, nullptr), nullptr) << "this host builds no strings";
       zrk::RegExDestructor(data);
     }
   };
-  std::thread others[] = {std::thread(search), std::thread(search), std::thread(search)};
-  for (std::thread& other : others) other.join();
-  EXPECT_GT(asked, 0);
+  std::thread threads[] = {std::thread(search), std::thread(search), std::thread(search)};
+  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace

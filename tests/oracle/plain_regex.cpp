@@ -18,7 +18,8 @@ PlainRegex::PlainRegex(const std::string& pattern, std::uint32_t compile_options
                        std::uint32_t execute_options)
     : execute_options_(execute_options) {
   const std::string read = pattern.c_str();  // up to the first NUL byte
-  if (!IsSafePattern(read)) compile_options &= ~std::uint32_t{PCRE_NO_UTF8_CHECK};
+  const bool safe = !HasBrokenCharacters(read) && WithoutUnsafeBytes(read) == read;
+  if (!safe) compile_options &= ~std::uint32_t{PCRE_NO_UTF8_CHECK};
   int offset = 0;
   code_ = {pcre_compile(read.c_str(), static_cast<int>(compile_options), &error_, &offset, nullptr),
            pcre_free};

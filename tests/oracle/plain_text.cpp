@@ -21,15 +21,6 @@ unsigned At(const std::string& bytes, std::size_t at) {
 
 bool IsContinuation(unsigned byte) { return byte >= 0x80 && byte <= 0xBF; }
 
-bool LeadsAstray(const std::string& bytes, std::size_t at) {
-  const unsigned byte = At(bytes, at);
-  if (byte >= 0xF5 || SequenceLength(bytes, at) > bytes.size() - at) return true;
-  if (byte == 0xF4) return (At(bytes, at + 1) & 0x3F) >= 0x10;
-  return IsContinuation(byte) &&
-         std::all_of(bytes.begin(), bytes.begin() + static_cast<long>(at),
-                     [](char before) { return IsContinuation(before & 0xFF); });
-}
-
 }  // namespace
 
 std::string ReadAs(const standin::HostOptions& host, const standin::Value& string) {
@@ -46,19 +37,24 @@ std::string ReadAs(const standin::HostOptions& host, const standin::Value& strin
 
 std::string WithoutUnsafeBytes(const std::string& bytes) {
   std::string shown = bytes;
+  bool at_start = true;
   for (std::size_t at = 0; at < bytes.size(); ++at) {
-    if (LeadsAstray(bytes, at)) shown[at] = 0x1A;
+    const unsigned byte = At(bytes, at);
+    at_start = at_start && IsContinuation(byte);
+    const bool cut = SequenceLength(bytes, at) > bytes.size() - at;
+    const bool past_last = byte == 0xF4 && !cut && (At(bytes, at + 1) & 0x3F) >= 0x10;
+    if (at_start || byte >= 0xF5 || cut || past_last) shown[at] = 0x1A;
   }
   return shown;
 }
 
-bool IsSafePattern(const std::string& bytes) {
+bool HasBrokenCharacters(const std::string& bytes) {
   std::size_t announced = 0;
   for (std::size_t at = 0; at < bytes.size(); ++at) {
-    if (IsContinuation(At(bytes, at)) != (announced > 0)) return false;
+    if (IsContinuation(At(bytes, at)) != (announced > 0)) return true;
     announced = announced > 0 ? announced - 1 : SequenceLength(bytes, at) - 1;
   }
-  return announced == 0 && WithoutUnsafeBytes(bytes) == bytes;
+  return announced > 0;
 }
 
 std::size_t SequenceLength(const std::string& bytes, std::size_t at) {

@@ -16,9 +16,8 @@ std::string ReadAs(const standin::HostOptions& host, const standin::Value& strin
 // The bytes that an unchecking engine is shown: 0x1A for each byte that could lead it astray.
 std::string WithoutUnsafeBytes(const std::string& bytes);
 
-// Whether an engine may compile the bytes unchecked: they are whole characters, and none of them
-// leads astray.
-bool IsSafePattern(const std::string& bytes);
+// Whether some character is not whole: continuation bytes stand elsewhere than lead bytes announce.
+bool HasBrokenCharacters(const std::string& bytes);
 
 // How many bytes the lead byte at `at` announces.
 std::size_t SequenceLength(const std::string& bytes, std::size_t at);

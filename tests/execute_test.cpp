@@ -1,4 +1,4 @@
-// Execute: the engine's own answer on the same bytes, and the subject that is kept.
+// Execute: the engine's own answer on the same bytes, the subject that is kept, and the limits.
 #include <gtest/gtest.h>
 #include <pcre.h>
 
@@ -75,6 +75,29 @@ TEST(Execute, ReadsAStringOnce) {
   EXPECT_EQ(read_as(zrk::kEncodingISOLatin1), "bé");
   EXPECT_EQ(session.host.Calls("PluginGetStringData"), 1U);
   EXPECT_EQ(read_as(zrk::kEncodingMacRoman), "bÈ");
+}
+
+// A limit binds from 1 on, the very next match and no longer, studied or not.
+TEST(Execute, LimitsComeAndGo) {
+  struct Row {
+    const char *property, *expected;
+    int limit;
+  };
+  constexpr Row kRows[] = {
+      {"MatchLimit", "-8 err=-8", 1},
+      {"MatchLimit", "2 err=0", 0},
+      {"MatchLimitRecursion", "-21 err=-21", 1},
+      {"MatchLimitRecursion", "2 err=0", -1},
+  };
+  Session session;
+  const Object regex = session.Compiled("(a|b)+c");
+  for (const char* pattern : {"plain", "studied"}) {
+    for (const Row& row : kRows) {
+      regex.Set(row.property, row.limit);
+      EXPECT_EQ(Try(regex, "Execute", {"ababc"}), row.expected) << row.property << ' ' << pattern;
+    }
+    EXPECT_EQ(Try(regex, "Study"), "true err=0");
+  }
 }
 
 }  // namespace

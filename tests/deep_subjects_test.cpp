@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "tests/session.h"
 
@@ -54,15 +55,11 @@ void ExpectWhole(const Object& regex, const Value& subject) {
 
 // By everything that runs the engine.
 void ExpectWholeMatches(Session& session, const Object& regex, const Value& subject) {
-  struct Call {
-    const char* method;
-    Values arguments;
-  };
   const Value block = session.host.MemoryBlock(subject.Bytes());
-  const Call calls[] = {{"Execute", {subject}},     {"Execute", {0}},
-                        {"ExecuteMT", {subject}},   {"ExecuteMT", {0}},
-                        {"ExecuteMemory", {block}}, {"ExecuteMemoryMT", {block}},
-                        {"Match", {subject}}};
+  const std::pair<const char*, Values> calls[] = {
+      {"Execute", {subject}}, {"Execute", {0}},           {"ExecuteMT", {subject}},
+      {"ExecuteMT", {0}},     {"ExecuteMemory", {block}}, {"ExecuteMemoryMT", {block}},
+      {"Match", {subject}}};
   for (const auto& [method, arguments] : calls) {
     SCOPED_TRACE(method);
     regex.Call(method, arguments);

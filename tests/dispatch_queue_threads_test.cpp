@@ -13,8 +13,6 @@ namespace {
 
 using namespace tests;
 
-int queue_of_the_process;
-
 struct Queue {
   bool at_once = false;  // the work is done when it is handed over
   int works = 0;
@@ -26,11 +24,11 @@ struct Queue {
 extern "C" {
 
 void* dispatch_get_global_queue(std::intptr_t priority, std::uintptr_t flags) {
-  return priority == 0 && flags == 0 ? &queue_of_the_process : nullptr;
+  return priority == 0 && flags == 0 ? &queue : nullptr;
 }
 
 void dispatch_async_f(void* target, void* context, void (*function)(void*)) {
-  EXPECT_EQ(target, &queue_of_the_process);
+  EXPECT_EQ(target, &queue);
   ++queue.works;
   if (queue.at_once) return function(context);
   queue.threads.emplace_back([=] {

@@ -16,9 +16,7 @@ namespace {
 using namespace tests;
 
 // What is refused: an item of pcre_fullinfo or one of these.
-constexpr int kNothing = -1;
-constexpr int kVersion = -2;
-constexpr int kStudy = -3;
+enum { kNothing = -1, kVersion = -2, kStudy = -3 };
 int refused = kNothing;
 
 template <typename Function>

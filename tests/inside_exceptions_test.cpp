@@ -89,9 +89,6 @@ TEST(Exceptions, ReachTheHostWithClassAndMessage) {
        bounds + name + " to method " + name + " is too small. Range is 2 to 3, but value is 1."},
   };
   for (const auto& [work, raised] : rows) EXPECT_EQ(RaisedBy(work), raised);
-}
-
-TEST(Exceptions, AreNoneWhereTheHostKnowsNoClassForThem) {
   const auto raise = [] { RaiseException("NoSuchException", "gone"); };
   EXPECT_EQ(RaisedBy(raise, {.unknown_classes = {"RuntimeException"}}), "");
 }

@@ -41,7 +41,7 @@ void RunWithin(Session& session, const CallRow& inner, const CallRow& row,
   const standin::Fault run_program{.before = [&] {
     if (within || ++calls != at) return;
     within = true;
-    Run(session, regex, inner);
+    regex.TryCall(inner.method, inner.arguments(session.host));
     within = false;
   }};
   for (const char* service : services) session.host.SetFault(service, run_program);

@@ -116,7 +116,8 @@ TEST(UnsafeBytes, InSubjectsOfEveryKindAreHidden) {
   }
 }
 
-// Longer than the blocks in which bytes are looked at, with the unsafe ones around their borders.
+// Longer than the blocks in which bytes are looked at, with the unsafe ones around their borders
+// and cut off at the end.
 TEST(UnsafeBytes, AreFoundAtEveryPlace) {
   constexpr const char* kPattern = "(?i)[^\\w\\x{e9}]";
   Session session;
@@ -127,8 +128,8 @@ TEST(UnsafeBytes, AreFoundAtEveryPlace) {
   for (const char* unsafe : {"\xFC\x84\x80\x80\x80\x80", "\xF4\x90\x80\x80", "\xFF", "\xE2\x82"}) {
     for (const std::size_t size : {250U, 256U, 260U, 512U, 1000U}) {
       for (std::size_t place = 0; place <= size; place += place > 230 && place < 270 ? 1 : 25) {
-        const std::string subject =
-            std::string(place, 'a') + unsafe + std::string(size - place, 'b');
+        std::string subject = std::string(place, 'a') + unsafe + std::string(size, 'b');
+        subject.resize(size);
         ExpectAgreement(session, regex, plain, subject, 0);
         if (HasFailure()) return;
       }

@@ -103,10 +103,6 @@ Object Compiled(standin::Host& host, const char* pattern) {
   return regex;
 }
 
-std::string Execute(const Object& regex, const Value& subject, const char* method = "Execute") {
-  return Show(regex, regex.TryCall(method, {subject}));
-}
-
 TEST(Runner, IdlesOnItsOwnThreadWhileAnotherWorks) {
   OnFreshThread([](standin::Host& host) {
     const auto caller = std::this_thread::get_id();
@@ -143,7 +139,7 @@ TEST(Threads, TakeNoSignals) {
     for (const auto& [method, subject] :
          {std::pair("ExecuteMT", "ab"), {"Execute", kDeep.c_str()}}) {
       created_quiet = false;
-      EXPECT_EQ(Execute(regex, subject, method), "1 err=0");
+      EXPECT_EQ(Try(regex, method, {subject}), "1 err=0");
       EXPECT_TRUE(created_quiet) << method;
       EXPECT_FALSE(AreSignalsBlocked()) << method;
     }
@@ -165,17 +161,17 @@ TEST(Threads, AreDoneWithoutWhereTheyCannotBeHad) {
     SCOPED_TRACE(row.name);
     OnFreshThread([&](standin::Host& host) {
       const Object regex = Compiled(host, "(?-U)(?:(a)|b)*$");
-      EXPECT_EQ(Execute(regex, kDeep), "2 err=0");
+      EXPECT_EQ(Try(regex, "Execute", {kDeep}), "2 err=0");
       refused = row.refused;
-      EXPECT_EQ(Execute(regex, kDeep), "-21 err=-21");
+      EXPECT_EQ(Try(regex, "Execute", {kDeep}), "-21 err=-21");
       EXPECT_EQ(regex.Call("Offset", {2}).Integer(), 0) << "of a match that was not finished";
       EXPECT_FALSE(regex.Call("Match", {kDeep}).Boolean());
       EXPECT_EQ(regex.Call("ReplaceAll", {kDeep, "N"}).UTF8(), kDeep);
-      EXPECT_EQ(Execute(regex, "ab", "ExecuteMT"), row.threaded);
+      EXPECT_EQ(Try(regex, "ExecuteMT", {"ab"}), row.threaded);
       EXPECT_EQ(host.Calls("REALYieldToRB") > 0, *row.threaded == '2');
-      EXPECT_EQ(Execute(regex, "ab"), "2 err=0");
+      EXPECT_EQ(Try(regex, "Execute", {"ab"}), "2 err=0");
       refused = {};
-      EXPECT_EQ(Execute(regex, kDeep, "ExecuteMT"), "2 err=0");
+      EXPECT_EQ(Try(regex, "ExecuteMT", {kDeep}), "2 err=0");
     });
   }
 }
@@ -187,7 +183,7 @@ TEST(DeepStack, IsTakenAtOnceWhereTheThreadsBoundsAreNotKnown) {
     OnFreshThread([&](standin::Host& host) {
       refused.bounds = unknown;
       const Object regex = Compiled(host, "a+b");
-      EXPECT_EQ(Execute(regex, std::string(1'000, 'a') + 'b'), "1 err=0");
+      EXPECT_EQ(Try(regex, "Execute", {std::string(1'000, 'a') + 'b'}), "1 err=0");
       EXPECT_TRUE(regex.Call("Study").Boolean());
       EXPECT_EQ(creates, unknown ? 3 : 0);
       refused.memory = true;
@@ -195,9 +191,9 @@ TEST(DeepStack, IsTakenAtOnceWhereTheThreadsBoundsAreNotKnown) {
       EXPECT_EQ(Raised(regex.TryCall("Study")), raised);
       EXPECT_EQ(Raised(regex.TryCall("Compile", {"a+c"})), raised);
       refused.memory = false;
-      EXPECT_EQ(Execute(regex, "ac"), unknown ? "0 err=-99" : "1 err=0");
+      EXPECT_EQ(Try(regex, "Execute", {"ac"}), unknown ? "0 err=-99" : "1 err=0");
       EXPECT_TRUE(regex.Call("Compile", {"a+c"}).Boolean());
-      EXPECT_EQ(Execute(regex, "ac"), "1 err=0");
+      EXPECT_EQ(Try(regex, "Execute", {"ac"}), "1 err=0");
     });
   }
 }
@@ -206,9 +202,9 @@ TEST(DeepStack, DoesNotHelpPastAPatternsOwnLimit) {
   OnFreshThread([](standin::Host& host) {
     const Object low = Compiled(host, "(*LIMIT_RECURSION=100)(?-U)(?:a|b)*$");
     const Object high = Compiled(host, "(*LIMIT_RECURSION=900000)(?-U)(?:a|b)*$");
-    EXPECT_EQ(Execute(low, kDeep), "-21 err=-21");
+    EXPECT_EQ(Try(low, "Execute", {kDeep}), "-21 err=-21");
     EXPECT_EQ(creates, 0);
-    EXPECT_EQ(Execute(high, kDeep), "1 err=0");
+    EXPECT_EQ(Try(high, "Execute", {kDeep}), "1 err=0");
     EXPECT_EQ(creates, 1);
   });
 }

@@ -154,7 +154,7 @@ TEST(ThreadedExecute, RaisesBeforeAnythingRuns) {
       {uncompiled, "ExecuteMemoryMT", {block}, "0 err=-99"},
   };
   for (const Row& row : rows) {
-    EXPECT_EQ(Show(row.object, row.object.TryCall(row.method, row.arguments)), row.outcome);
+    EXPECT_EQ(Try(row.object, row.method, row.arguments), row.outcome);
     EXPECT_TRUE(row.object.Get("TextMemory").IsNil());
   }
   EXPECT_EQ(session.host.Calls("REALYieldToRB"), 0U);

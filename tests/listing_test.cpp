@@ -42,8 +42,9 @@ MsgBox ReplaceAll("xAxa", "a", "%1") + Replace("xAxa", "A", "") + Uppercase("kä
 Dim raw As String = DefineEncoding("Käse", Nil)
 MsgBox Str(LenB(latin)) + " " + Str(latin.Encoding = Encodings.ISOLatin1) + " " + latin + " " + Mid(latin, 2, 1) + "é"
 MsgBox Str(raw.Encoding Is Nil) + " " + Str(Len(raw)) + " " + raw.DefineEncoding(Encodings.UTF8)
+MsgBox ConvertEncoding("Käse", Encodings.ASCII)
 )vb",
-     "4 True Käse äé\nTrue 5 Käse\n"},
+     "4 True Käse äé\nTrue 5 Käse\nK?se\n"},
     // The end of a For is looked at each time; Next and leaving in all their ways.
     {R"vb(Dim a() As String = Array("b", "a")
 For i As Integer = 0 To a.Ubound

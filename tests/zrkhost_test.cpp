@@ -168,6 +168,8 @@ TEST(ZRKHost, CarriesValuesBothWaysAndGivesTasksTheirTurns) {
       {"local s = host.string('\\xE4a', 'windows latin-1') "
        "print(s, #s, s:bytes() == '\\xE4a', s:encoding(), re:Execute(s), re.Text, re:Offset(0))",
        "äa\t2\ttrue\tWindows Latin-1\t2\täa\t2\n"},
+      {"print(host.string('\\0\\xD8b\\0', 'UTF-16'), host.string('a\\xE4z', 'ASCII'))",
+       "�b\ta�z\n"},
       {"local b = host.memoryblock('x\\0ab') print(re:ExecuteMemory(b), re:Offset(0), #b)",
        "2\t2\t4\n"},
       {"local b = host.memoryblock('abc') b:write(1, 'BC') b:byte(0, 65) "

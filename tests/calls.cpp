@@ -17,39 +17,26 @@ template <typename... Arguments>
 auto WithBlock(const char* bytes, Arguments... arguments) {
   return [=](Host& host) { return Values{host.MemoryBlock(bytes), arguments...}; };
 }
-auto WithStrings(bool inverse) {
-  return [=](Host& host) {
-    return Values{host.StringArray({"bc", kSubject, "zz", Value()}), inverse};
-  };
+Values Strings(Host& host) { return {host.StringArray({"bc", kSubject, "zz", Value()}), true}; }
+Values Variants(Host& host) {
+  return {host.VariantArray({"bc", kSubject, 5, true, Value()}), true};
 }
-auto WithVariants(bool inverse) {
-  return [=](Host& host) {
-    return Values{host.VariantArray({"bc", kSubject, 5, true, Value()}), inverse};
-  };
-}
-Values WithLatin1(Host& host) { return {host.String("xbc\xE9", zrk::kEncodingISOLatin1)}; }
+Values Latin1(Host& host) { return {host.String("xbc\xE9", zrk::kEncodingISOLatin1)}; }
 
 }  // namespace
 
 std::string Show(const Value& value) {
   if (value.IsNil()) return "nil";
-  switch (value.kind()) {
-    case Kind::kInteger:
-      return std::to_string(value.Integer());
-    case Kind::kBoolean:
-      return value.Boolean() ? "true" : "false";
-    case Kind::kString:
-      return '"' + value.Bytes() + '"';
-    case Kind::kStringArray: {
-      std::string list;
-      for (const Value& element : value.Elements()) {
-        list += (list.empty() ? "" : ", ") + (element.IsNil() ? "\"\"" : Show(element));
-      }
-      return '[' + list + ']';
-    }
-    default:
-      return standin::KindName(value.kind());
+  const Kind kind = value.kind();
+  if (kind == Kind::kInteger) return std::to_string(value.Integer());
+  if (kind == Kind::kBoolean) return value.Boolean() ? "true" : "false";
+  if (kind == Kind::kString) return '"' + value.Bytes() + '"';
+  if (kind != Kind::kStringArray) return standin::KindName(kind);
+  std::string list;
+  for (const Value& element : value.Elements()) {
+    list += (list.empty() ? "" : ", ") + (element.IsNil() ? "\"\"" : Show(element));
   }
+  return '[' + list + ']';
 }
 
 std::string Show(const Object& object, const Outcome& outcome) {
@@ -65,10 +52,8 @@ std::string Try(const Object& object, const char* method, const Values& argument
 const std::vector<CallRow>& CallRows() {
   static const std::vector<CallRow> rows = {
       {"match", "Match", With(kSubject)},
-      {"match strings", "Match", WithStrings(false)},
-      {"match strings inverse", "Match", WithStrings(true)},
-      {"match variants", "Match", WithVariants(false)},
-      {"match variants inverse", "Match", WithVariants(true)},
+      {"match strings", "Match", Strings},
+      {"match variants", "Match", Variants},
       {"name entry", "InfoNameEntry", With(2)},
       {"no such entry", "InfoNameEntry", With(3)},
       {"version", "Version", With()},
@@ -79,7 +64,7 @@ const std::vector<CallRow>& CallRows() {
       {"study", "Study", With()},
       {"execute again", "Execute", With(1)},
       {"execute", "Execute", With(kSubject, 1)},
-      {"execute another encoding", "Execute", WithLatin1},
+      {"execute another encoding", "Execute", Latin1},
       {"execute bytes", "ExecuteMemory", WithBlock(kSubject, 1)},
       {"execute no bytes", "ExecuteMemory", With(Value::Nil(Kind::kMemoryBlock))},
       {"execute threaded again", "ExecuteMT", With(1)},

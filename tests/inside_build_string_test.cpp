@@ -20,7 +20,6 @@ using standin::Host;
 // A host that the objects linked into this program are connected to.
 struct Connected {
   explicit Connected(standin::HostOptions options) : host(std::move(options)) {
-    zrk::rbversion = 0.0;
     zrk::ConnectHost(&Host::Resolve);
   }
   ~Connected() { EXPECT_EQ(host.Problems(), std::vector<std::string>{}); }

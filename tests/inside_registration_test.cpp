@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <numeric>
 #include <vector>
 
@@ -14,14 +13,11 @@ namespace {
 using zrk::HostWord;
 using Words = std::vector<HostWord>;
 
-// A table whose words are numbered through, so that each can be told from every other.
-template <typename Row>
-std::vector<Row> Numbered(std::size_t rows) {
-  Words words(rows * sizeof(Row) / sizeof(HostWord));
-  std::iota(words.begin(), words.end(), HostWord{1});
-  std::vector<Row> table(rows);
-  std::memcpy(static_cast<void*>(table.data()), words.data(), words.size() * sizeof(HostWord));
-  return table;
+// The words of a table, numbered through so that each can be told from every other.
+Words Numbered(std::size_t words) {
+  Words numbered(words);
+  std::iota(numbered.begin(), numbered.end(), 1);
+  return numbered;
 }
 
 // The words of a converted table, which ends here.
@@ -33,24 +29,21 @@ Words Taken(void* table, std::size_t words) {
 }
 
 TEST(OldLayout, KeepsTheFirstWordsOfEveryRow) {
-  auto properties = Numbered<zrk::REALproperty>(2);
-  auto methods = Numbered<zrk::REALmethodDefinition>(2);
-  auto events = Numbered<zrk::REALevent>(3);
-  HostWord further = 7;
+  Words properties = Numbered(2 * 12), methods = Numbered(2 * 6), events = Numbered(3 * 4);
   zrk::REALclassDefinition definition = {};
-  definition.SharedProperties = properties.data();
+  definition.SharedProperties = reinterpret_cast<zrk::REALproperty*>(properties.data());
   definition.SharedPropertyCount = 2;
-  definition.SharedMethods = methods.data();
+  definition.SharedMethods = reinterpret_cast<zrk::REALmethodDefinition*>(methods.data());
   definition.SharedMethodCount = 2;
-  definition.Events = events.data();
+  definition.Events = reinterpret_cast<zrk::REALevent*>(events.data());
   definition.EventCount = 3;
-  definition.FurtherTable = &further;
+  definition.FurtherTable = properties.data();
   definition.FurtherCount = 1;
   zrk::ConvertToOldLayout(definition);
 
-  for (std::size_t i = 0; i < events.size(); ++i) {
-    const auto* const copy = reinterpret_cast<const HostWord*>(definition.Events) + 2 * i;
-    EXPECT_EQ(events[i].Words[1], reinterpret_cast<HostWord>(copy)) << "the way to the copy";
+  for (const std::size_t row : {0U, 1U, 2U}) {
+    const auto* const copy = reinterpret_cast<const HostWord*>(definition.Events) + 2 * row;
+    EXPECT_EQ(events[4 * row + 1], reinterpret_cast<HostWord>(copy)) << "the way to the copy";
   }
   EXPECT_EQ(Taken(definition.SharedProperties, 20),
             Words({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22}));
@@ -58,14 +51,15 @@ TEST(OldLayout, KeepsTheFirstWordsOfEveryRow) {
   EXPECT_EQ(Taken(definition.Events, 6), Words({1, 2, 5, 6, 9, 10}));
   EXPECT_EQ(definition.FurtherTable, nullptr);
   EXPECT_EQ(definition.FurtherCount, 0);
-  EXPECT_EQ(properties[1].Unused[4], 24) << "the original stays as it was";
+  EXPECT_EQ(properties, Numbered(2 * 12)) << "the original stays as it was";
 }
 
 TEST(OldLayout, NothingComesOfNothing) {
-  auto properties = Numbered<zrk::REALproperty>(1);
+  Words words = Numbered(12);
+  const auto* const row = reinterpret_cast<zrk::REALproperty*>(words.data());
   EXPECT_EQ(zrk::FixProperties(nullptr, 5), nullptr);
   for (const HostWord count : {0, -1, INT32_MAX}) {
-    EXPECT_EQ(zrk::FixProperties(properties.data(), count), nullptr) << count;
+    EXPECT_EQ(zrk::FixProperties(row, count), nullptr) << count;
   }
   zrk::REALclassDefinition definition = {};
   definition.EventCount = 3;

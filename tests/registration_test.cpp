@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "tests/session.h"
 
@@ -19,23 +20,19 @@ using tests::Session;
 using zrk::HostWord;
 
 TEST(Registration, TheHostVersionDecidesControlVersionAndLayout) {
-  struct Row {
-    std::optional<double> host;
-    int control;
-  };
-  const Row rows[] = {
+  const std::pair<std::optional<double>, int> rows[] = {
       {2017.0, 13},      {2013.04, 13},     {2013.039999, 12},
       {2013.03, 12},     {2013.0299, 11},   {2013.0, 11},
       {2012.999, 10},    {2012.0, 10},      {2011.999, 9},
       {2011.0, 9},       {0.0, 9},          {-1.0, 9},
       {std::nullopt, 9}, {std::nan(""), 9}, {std::numeric_limits<double>::infinity(), 13},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(tests::NameOf({.version = row.host}));
-    Session session({.version = row.host});
-    EXPECT_EQ(session.host.plugin_version(), row.control);
+  for (const auto& [version, control] : rows) {
+    SCOPED_TRACE(tests::NameOf({.version = version}));
+    Session session({.version = version});
+    EXPECT_EQ(session.host.plugin_version(), control);
     ASSERT_EQ(session.host.classes().size(), 1U);
-    EXPECT_EQ(session.host.classes().front()->version(), row.control);
+    EXPECT_EQ(session.host.classes().front()->version(), control);
     // The class works in the layout it was announced in.
     EXPECT_TRUE(session.New().Call("Compile", {"a"}).Boolean());
   }

@@ -39,45 +39,39 @@ const Texts kNothing = {"nil", "0", "false", "raised RuntimeException", "saying 
 // What an argument may turn into where the host cannot read it. An array is filtered both ways, and
 // a block can be left without bytes or without a size.
 Values Unread(Session& session, const Value& argument) {
-  switch (argument.kind()) {
-    case Kind::kString:
-      return {argument, Value::Nil(Kind::kString)};
-    case Kind::kBoolean:
-      return {argument, !argument.Boolean()};
-    case Kind::kMemoryBlock:
-      return {argument, session.host.MemoryBlockWithoutData(0), session.host.MemoryBlock("")};
-    default:
-      return {argument};
-  }
+  const Kind kind = argument.kind();
+  if (kind == Kind::kString) return {argument, Value::Nil(kind)};
+  if (kind == Kind::kBoolean) return {argument, !argument.Boolean()};
+  if (kind != Kind::kMemoryBlock) return {argument};
+  return {argument, session.host.MemoryBlockWithoutData(0), session.host.MemoryBlock("")};
 }
 
 // A whole host: the parts that each row of calls may come to, by its label, with and without what
 // can be read, and the services that it takes.
 struct WholeHost {
-  explicit WholeHost(const standin::HostOptions& kind);
+  explicit WholeHost(const standin::HostOptions& kind) {
+    Session session(kind);
+    for (const CallRow& row : CallRows()) {
+      Texts& parts = answers[row.label] = kNothing;
+      std::vector<Values> choices;
+      for (const Value& argument : row.arguments(session.host)) {
+        choices.push_back(Unread(session, argument));
+      }
+      for (const Values& arguments : Combinations(choices)) {
+        for (const char* subject : {kSubject, ""}) {
+          parts.merge(Parts(Prepared(session, subject).TryCall(row.method, arguments)));
+        }
+      }
+    }
+    for (const std::string& name : standin::Host::ServiceNames()) {
+      if (session.host.Calls(name) > 0) services.insert(name);
+    }
+    for (const auto& [name, times] : session.host.requests()) EXPECT_EQ(times, 1) << name;
+  }
+
   std::map<std::string, Texts> answers;
   Texts services;
 };
-
-WholeHost::WholeHost(const standin::HostOptions& kind) {
-  Session session(kind);
-  for (const CallRow& row : CallRows()) {
-    Texts& parts = answers[row.label] = kNothing;
-    std::vector<Values> choices;
-    for (const Value& argument : row.arguments(session.host)) {
-      choices.push_back(Unread(session, argument));
-    }
-    for (const Values& arguments : Combinations(choices)) {
-      for (const char* subject : {kSubject, ""}) {
-        parts.merge(Parts(Prepared(session, subject).TryCall(row.method, arguments)));
-      }
-    }
-  }
-  for (const std::string& name : standin::Host::ServiceNames()) {
-    if (session.host.Calls(name) > 0) services.insert(name);
-  }
-  for (const auto& [name, times] : session.host.requests()) EXPECT_EQ(times, 1) << name;
-}
 
 // No method builds from UTF-16 or UTF-32, and variants have a service of their own.
 TEST(Services, AreAllReachedByCalls) {
@@ -98,29 +92,25 @@ bool CountsReferences(const std::string& service) {
 // library gets that after all, late or by its other name.
 struct LackRow {
   std::vector<std::string> services;
-  Fault fault;
   std::string asked;
+  Fault fault = Fault::Missing();
 };
-const Fault kMissing = Fault::Missing();
-const Fault kLate = Fault::MissingUntilAsked(1);
 const LackRow kLacks[] = {
-    {{"REALSetPropValueString"}, kMissing, "again"},
-    {{"REALSetPropValueString"}, kLate, "again and called"},
-    {{"REALSetPropValueInteger"}, kMissing, "once and called"},
-    {{"REALSetPropValueInt", "REALSetPropValueInteger"}, kMissing, "again"},
-    {{"VariantToString"}, kMissing, "again"},
-    {{"VariantToString", "REALGetPropValueString"}, kMissing, "once"},
-    {{"RuntimeArrayDirectGetGetProc", "PluginStringArrayGetProc"}, kMissing, "again"},
-    {{"RuntimeArrayDirectGetGetProc", "PluginObjectArrayGetProc"}, kMissing, "again"},
-    {{"RuntimeArrayDirectGetInsertProc", "PluginStringArrayInsertProc"}, kMissing, "again"},
+    {{"REALSetPropValueString"}, "again"},
+    {{"REALSetPropValueString"}, "again and called", Fault::MissingUntilAsked(1)},
+    {{"REALSetPropValueInteger"}, "once and called"},
+    {{"REALSetPropValueInt", "REALSetPropValueInteger"}, "again"},
+    {{"VariantToString"}, "again"},
+    {{"VariantToString", "REALGetPropValueString"}, "once"},
+    {{"RuntimeArrayDirectGetGetProc", "PluginStringArrayGetProc"}, "again"},
+    {{"RuntimeArrayDirectGetGetProc", "PluginObjectArrayGetProc"}, "again"},
+    {{"RuntimeArrayDirectGetInsertProc", "PluginStringArrayInsertProc"}, "again"},
     // Hosts that never take a text back, or do not count references and so keep every text.
-    {{"REALUnlockString"}, kMissing, "once"},
-    {{"REALUnlockObject"}, kMissing, "once"},
-    {{"REALUnlockString", "REALLockString"}, kMissing, "once"},
-    {{"REALUnlockObject", "REALLockObject"}, kMissing, "once"},
-    {{"REALUnlockString", "REALLockString", "REALUnlockObject", "REALLockObject"},
-     kMissing,
-     "once"},
+    {{"REALUnlockString"}, "once"},
+    {{"REALUnlockObject"}, "once"},
+    {{"REALUnlockString", "REALLockString"}, "once"},
+    {{"REALUnlockObject", "REALLockObject"}, "once"},
+    {{"REALUnlockString", "REALLockString", "REALUnlockObject", "REALLockObject"}, "once"},
 };
 
 // Every other service is asked for once for ever.
@@ -129,17 +119,13 @@ std::vector<LackRow> AllLacks() {
   Texts listed;
   for (const LackRow& row : rows) listed.insert(row.services.begin(), row.services.end());
   for (const std::string& name : standin::Host::ServiceNames()) {
-    if (!listed.contains(name)) rows.push_back({{name}, kLate, "once"});
+    if (!listed.contains(name)) rows.push_back({{name}, "once", Fault::MissingUntilAsked(1)});
   }
   return rows;
 }
 
 std::string Asked(const standin::Host& host, const std::string& service) {
-  const auto found = host.requests().find(service);
-  const int times = found == host.requests().end() ? 0 : found->second;
-  return std::string(times == 0   ? "never"
-                     : times == 1 ? "once"
-                                  : "again") +
+  return std::string(host.requests().at(service) > 1 ? "again" : "once") +
          (host.Calls(service) > 0 ? " and called" : "");
 }
 

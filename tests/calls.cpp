@@ -58,6 +58,7 @@ const std::vector<CallRow>& CallRows() {
       {"no such entry", "InfoNameEntry", With(3)},
       {"version", "Version", With()},
       {"compile", "Compile", With("b(é)")},
+      {"compile another encoding", "Compile", Latin1},
       {"compile an error", "Compile", With("b(")},
       {"compile bytes", "CompileMemory", WithBlock("xb(c)(?#and a remark)", 1)},
       {"compile no bytes", "CompileMemory", With(Value::Nil(Kind::kMemoryBlock), 0)},

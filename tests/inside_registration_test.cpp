@@ -58,7 +58,8 @@ TEST(OldLayout, NothingComesOfNothing) {
   Words words = Numbered(12);
   const auto* const row = reinterpret_cast<zrk::REALproperty*>(words.data());
   EXPECT_EQ(zrk::FixProperties(nullptr, 5), nullptr);
-  for (const HostWord count : {0, -1, INT32_MAX}) {
+  constexpr HostWord kTooMany = INT32_MAX / (10 * sizeof(HostWord)) + 1;  // for 2 GiB
+  for (const HostWord count : {HostWord{0}, HostWord{-1}, kTooMany}) {
     EXPECT_EQ(zrk::FixProperties(row, count), nullptr) << count;
   }
   zrk::REALclassDefinition definition = {};

@@ -23,6 +23,15 @@ constexpr std::array<bool, 256> kIsSpecial = [] {
   return table;
 }();
 
+// Has the processor fetch what is read next: of itself it fetches too little ahead of a loop that
+// takes so long over a line of its cache.
+void FetchAhead(std::string_view bytes) {
+  constexpr std::size_t kCacheLine = 64;
+  for (std::size_t at = 0; at < bytes.size(); at += kCacheLine) {
+    __builtin_prefetch(bytes.data() + at);
+  }
+}
+
 // Escapes a block into a buffer with room for twice its length and answers the bytes written. Every
 // byte is written behind a backslash that the next write replaces where it was not needed, which
 // keeps the loop free of branches.
@@ -39,7 +48,7 @@ std::size_t EscapeBlock(std::string_view block, char* out) {
 }  // namespace
 
 REALstringStruct* EscapeString(RegExClassData& /*data*/, REALstringStruct* text) {
-  constexpr std::size_t kBlock = 4096;
+  constexpr std::size_t kBlock = 512;
   rbText adapter(text);
   std::string_view rest = adapter.UTF8();
   std::string result;
@@ -47,8 +56,11 @@ REALstringStruct* EscapeString(RegExClassData& /*data*/, REALstringStruct* text)
   // 0.1 ns a byte of the 0.7 that escaping takes.
   result.reserve(rest.size() + rest.size() / 8 + kSpareBytes);
   std::array<char, 2 * kBlock> escaped;
-  for (; !rest.empty(); rest.remove_prefix(std::min(kBlock, rest.size()))) {
-    result.append(escaped.data(), EscapeBlock(rest.substr(0, kBlock), escaped.data()));
+  while (!rest.empty()) {
+    const std::string_view block = rest.substr(0, kBlock);
+    rest.remove_prefix(block.size());
+    FetchAhead(rest.substr(0, kBlock));
+    result.append(escaped.data(), EscapeBlock(block, escaped.data()));
   }
   return BuildUTF8(result);
 }

@@ -9,8 +9,10 @@ namespace standin {
 namespace {
 
 constexpr std::pair<std::string_view, Kind> kTypes[] = {
-    {"integer", Kind::kInteger}, {"boolean", Kind::kBoolean},         {"double", Kind::kDouble},
-    {"string", Kind::kString},   {"memoryblock", Kind::kMemoryBlock},
+    {"integer", Kind::kInteger},         {"boolean", Kind::kBoolean},
+    {"double", Kind::kDouble},           {"string", Kind::kString},
+    {"string()", Kind::kStringArray},    {"variant()", Kind::kVariantArray},
+    {"memoryblock", Kind::kMemoryBlock},
 };
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
@@ -58,7 +60,7 @@ class Reader {
 
   Type ReadType(bool array) {
     const std::string name = Word();
-    return ParseType(name, TakeBrackets() || array);
+    return ParseType(TakeBrackets() || array ? name + "()" : name);
   }
 
   Parameter ReadParameter() {
@@ -148,16 +150,11 @@ std::size_t MethodDeclaration::Required() const {
 }
 
 // Only strings and variants come in arrays here; another array is an object that nothing fits.
-Type ParseType(std::string_view name, bool array) {
+Type ParseType(std::string_view name) {
   const std::string folded = Folded(name);
-  Type type{Kind::kObject, std::string(name) + (array ? "()" : "")};
-  if (array && folded == "string") type.kind = Kind::kStringArray;
-  if (array && folded == "variant") type.kind = Kind::kVariantArray;
-  if (array) return type;
   const auto* row = std::ranges::find(kTypes, std::string_view(folded),
                                       &std::pair<std::string_view, Kind>::first);
-  if (row != std::end(kTypes)) type.kind = row->second;
-  return type;
+  return {row == std::end(kTypes) ? Kind::kObject : row->second, std::string(name)};
 }
 
 MethodDeclaration ParseMethod(std::string_view text) {

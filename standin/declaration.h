@@ -50,8 +50,8 @@ struct ConstantDeclaration {
 // Each throws std::invalid_argument with one sentence that quotes a text it cannot read.
 MethodDeclaration ParseMethod(std::string_view text);
 ConstantDeclaration ParseConstant(std::string_view text);
-// `name` as a property row has it, such as "Memoryblock"; `array` for a name followed by "()".
-Type ParseType(std::string_view name, bool array = false);
+// `name` as a property row has it, such as "Memoryblock"; with "()" behind it an array's.
+Type ParseType(std::string_view name);
 
 // The host's language does not tell upper from lower case in names (ASCII).
 std::string Folded(std::string_view name);

@@ -2,6 +2,7 @@
 
 #include <iconv.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cerrno>
@@ -37,10 +38,8 @@ constexpr EncodingRow kEncodings[] = {
 };
 
 const EncodingRow* Find(std::uint32_t code) {
-  for (const EncodingRow& row : kEncodings) {
-    if (row.code == code) return &row;
-  }
-  return nullptr;
+  const auto* row = std::ranges::find(kEncodings, code, &EncodingRow::code);
+  return row == std::end(kEncodings) ? nullptr : row;
 }
 
 struct CloseConverter {

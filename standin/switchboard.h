@@ -112,9 +112,10 @@ class ServiceCall {
   static std::string Show(zrk::REALclassDefinition* definition);
   static std::string Show(zrk::REALstringData*) { return "record"; }
   static std::string Show(zrk::REALstringStruct**) { return "out"; }
-  static std::string Show(zrk::StringArrayGetter) { return "procedure"; }
-  static std::string Show(zrk::ObjectArrayGetter) { return "procedure"; }
-  static std::string Show(zrk::StringArrayInserter) { return "procedure"; }
+  template <typename R, typename... A>
+  static std::string Show(R (*)(A...)) {
+    return "procedure";
+  }
   static std::string Show(const void* handle);
 
   Host* host_;

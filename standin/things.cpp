@@ -99,14 +99,14 @@ HostStringData::HostStringData(std::string_view bytes, bool terminated)
 
 HostMemoryBlock::HostMemoryBlock(std::string_view bytes, std::int32_t size, bool with_data)
     : Thing(Kind::kMemoryBlock), real_size_(bytes.size()) {
-  if (with_data) data_ = CopyBytes(bytes, 0, false, 0);
-  Show(data_.get(), size);
+  Hold(with_data ? CopyBytes(bytes, 0, false, 0) : nullptr, size);
 }
 
 HostMemoryBlock::~HostMemoryBlock() { Allow(&record, sizeof record); }
 
-void HostMemoryBlock::Show(unsigned char* data, std::int32_t size) {
-  record.Data = data;
+void HostMemoryBlock::Hold(Bytes data, std::int32_t size) {
+  data_ = std::move(data);
+  record.Data = data_.get();
   record.Size = size;
 }
 
@@ -117,14 +117,12 @@ std::string_view HostMemoryBlock::bytes() const {
 void HostMemoryBlock::Resize(std::size_t size) {
   std::string resized(bytes());
   resized.resize(size);
-  data_ = CopyBytes(resized, 0, false, 0);
+  Hold(CopyBytes(resized, 0, false, 0), static_cast<std::int32_t>(size));
   real_size_ = size;
-  Show(data_.get(), static_cast<std::int32_t>(size));
 }
 
 void HostMemoryBlock::End() {
-  data_.reset();
-  Show(nullptr, 0);
+  Hold(nullptr, 0);
   Forbid(&record, sizeof record);
 }
 

@@ -85,7 +85,7 @@ class HostMemoryBlock : public Thing {
 
  private:
   void End() override;
-  void Show(unsigned char* data, std::int32_t size);
+  void Hold(Bytes data, std::int32_t size);
   Bytes data_;
   std::size_t real_size_;
 };

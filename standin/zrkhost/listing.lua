@@ -42,10 +42,6 @@ end
 
 local name = arg[1]
 local routines, main = translate(name, read(name))
-if arg[2] == "--lua" then
-  io.write(routines, "\n", main, "\n")
-  return
-end
 
 local L, F = library.functions, {}
 L.source = "=" .. name

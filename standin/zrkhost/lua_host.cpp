@@ -50,10 +50,8 @@ int MakeVariantArray(lua_State* L) {
 }
 
 int MakeNull(lua_State* L) {
-  std::string name = luaL_checkstring(L, 1);
-  const bool array = name.ends_with("()");
-  if (array) name.resize(name.size() - 2);
-  const Value null = Value::Nil(ParseType(name, array).kind);
+  const std::string name = luaL_checkstring(L, 1);
+  const Value null = Value::Nil(ParseType(name).kind);
   if (!null.IsNil()) throw CallError(name + " has no nil");
   PushHandle(L, null);
   return 1;
@@ -68,17 +66,12 @@ int TypeName(lua_State* L) {
   return 1;
 }
 
-// Adds a table for the member to the list on top of the stack, with what a call of `push` adds to
-// it.
-template <typename Push>
-void AddMember(lua_State* L, const Member& member, const char* kind, Push push) {
+void PushMemberTable(lua_State* L, const Member& member, const char* kind, bool writable = false) {
   lua_newtable(L);
   SetText(L, "name", member.name);
   SetText(L, "kind", kind);
   SetText(L, "declaration", member.text);
-  SetTruth(L, "writable", false);
-  push();
-  lua_rawseti(L, -2, luaL_len(L, -2) + 1);
+  SetTruth(L, "writable", writable);
 }
 
 void SetParameters(lua_State* L, const MethodDeclaration& declaration) {
@@ -90,39 +83,40 @@ void SetParameters(lua_State* L, const MethodDeclaration& declaration) {
     SetTruth(L, "optional", parameter.fallback.has_value());
     PushLiteral(L, parameter.fallback.value_or(Literal()));
     lua_setfield(L, -2, "default");
-    lua_rawseti(L, -2, luaL_len(L, -2) + 1);
+    Append(L);
   }
   lua_setfield(L, -2, "parameters");
 }
 
+int ListClasses(lua_State* L) {
+  lua_newtable(L);
+  for (const auto& info : Host::Current()->classes()) AppendText(L, info->name());
+  return 1;
+}
+
 int ListMembers(lua_State* L) {
-  if (lua_isnone(L, 1)) {
-    lua_newtable(L);
-    for (const auto& info : Host::Current()->classes()) AppendText(L, info->name());
-    return 1;
-  }
+  if (lua_isnone(L, 1)) return ListClasses(L);
   const std::string name = luaL_checkstring(L, 1);
   const ClassInfo* info = Host::Current()->FindClass(name);
   if (!info) throw CallError("there is no class \"" + name + "\"");
   lua_newtable(L);
   for (const Method& method : info->methods()) {
-    AddMember(L, method, "method", [L, &method] {
-      SetParameters(L, method.declaration);
-      const Type& result = method.declaration.result;
-      if (result.kind != Kind::kNil) SetText(L, "result", result.name);
-    });
+    PushMemberTable(L, method, "method");
+    SetParameters(L, method.declaration);
+    const Type& result = method.declaration.result;
+    if (result.kind != Kind::kNil) SetText(L, "result", result.name);
+    Append(L);
   }
   for (const Property& property : info->properties()) {
-    AddMember(L, property, "property", [L, &property] {
-      SetText(L, "type", property.type.name);
-      SetTruth(L, "writable", property.setter != nullptr);
-    });
+    PushMemberTable(L, property, "property", property.setter != nullptr);
+    SetText(L, "type", property.type.name);
+    Append(L);
   }
   for (const Constant& constant : info->constants()) {
-    AddMember(L, constant, "constant", [L, &constant] {
-      PushLiteral(L, constant.declaration.value);
-      lua_setfield(L, -2, "value");
-    });
+    PushMemberTable(L, constant, "constant");
+    PushLiteral(L, constant.declaration.value);
+    lua_setfield(L, -2, "value");
+    Append(L);
   }
   return 1;
 }

@@ -78,8 +78,10 @@ void SetTruth(lua_State* L, const char* field, bool truth) {
 
 void AppendText(lua_State* L, std::string_view text) {
   PushText(L, text);
-  lua_rawseti(L, -2, luaL_len(L, -2) + 1);
+  Append(L);
 }
+
+void Append(lua_State* L) { lua_rawseti(L, -2, luaL_len(L, -2) + 1); }
 
 Value ToValue(lua_State* L, int index) {
   switch (lua_type(L, index)) {

@@ -26,10 +26,12 @@ std::string_view CheckText(lua_State* L, int index);
 void PushText(lua_State* L, std::string_view text);
 void PushLiteral(lua_State* L, const Literal& literal);
 
-// Each adds to the table on top of the stack: a field, or an element at its end.
+// Each sets a field of the table on top of the stack, or adds an element at its end.
 void SetText(lua_State* L, const char* field, std::string_view text);
 void SetTruth(lua_State* L, const char* field, bool truth);
 void AppendText(lua_State* L, std::string_view text);
+// Takes what is on top of the stack and adds it to the table below.
+void Append(lua_State* L);
 
 // The value for what is at `index`; throws CallError where the host has nothing like it.
 Value ToValue(lua_State* L, int index);

@@ -9,9 +9,9 @@
 #include "standin/zrkhost/program.h"
 #include "standin/zrkhost/run.h"
 
-namespace {
-
 using namespace standin::zrkhost;
+
+namespace {
 
 // Of the locale only the letters; numbers stay as programs write them. Where none is chosen, texts
 // are in UTF-8 all the same.
@@ -22,21 +22,18 @@ void SetLocale() {
   }
 }
 
-int Run(const Options& options) {
-  if (options.help) {
-    std::fputs(kUsage, stdout);
-    return FlushOutput(kSuccess);
-  }
-  if (options.version) std::puts("zrkhost " ZRK_VERSION ", " LUA_RELEASE);
-  return Program(options).Run();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   SetLocale();
   try {
-    return Run(ParseOptions(argc, argv));
+    const Options options = ParseOptions(argc, argv);
+    if (options.help) {
+      std::fputs(kUsage, stdout);
+      return FlushOutput(kSuccess);
+    }
+    if (options.version) std::puts("zrkhost " ZRK_VERSION ", " LUA_RELEASE);
+    return Program(options).Run();
   } catch (const std::exception& error) {
     std::fprintf(stderr, "zrkhost: %s\n", error.what());
   }

@@ -85,7 +85,7 @@ local function laid_out(class, title, heading, line, access)
   local parts = { title:format(class) }
   for _, section in ipairs(sections) do
     local list = of_kind(class, section.kind)
-    parts[#parts + 1] = heading(section, #list)
+    parts[#parts + 1] = heading:format(section.title, #list, section.columns)
     for _, member in ipairs(list) do
       local words = access:format(member.writable and "read and write" or "read only")
       parts[#parts + 1] = line:format(member.declaration, member.kind == "property" and words or "")
@@ -95,15 +95,11 @@ local function laid_out(class, title, heading, line, access)
 end
 
 local function text_of(class)
-  local function heading(section, count) return ("\n%s (%d)\n"):format(section.title, count) end
-  return laid_out(class, "Class %s\n", heading, "  %s%s\n", ", %s")
+  return laid_out(class, "Class %s\n", "\n%s (%d)\n", "  %s%s\n", ", %s")
 end
 
 local function page_of(class)
-  local function heading(section, count)
-    return ("\n## %s (%d)\n\n%s"):format(section.title, count, section.columns)
-  end
-  return laid_out(class, "# Class %s\n", heading, "| `%s` |%s\n", " %s |")
+  return laid_out(class, "# Class %s\n", "\n## %s (%d)\n\n%s", "| `%s` |%s\n", " %s |")
 end
 
 local function or_null(value)

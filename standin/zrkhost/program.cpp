@@ -22,11 +22,7 @@ namespace standin::zrkhost {
 namespace {
 
 // What the first word, or its ending, runs instead of a Lua file.
-struct Command {
-  const char* name;
-  const char* code;
-};
-constexpr Command kCommands[] = {
+constexpr std::pair<const char*, const char*> kCommands[] = {
     {"try", "require('zrkhost.try').run(...)"},
     {"help", "require('zrkhost.help').run(...)"},
     {".xojo_code", "table.move(arg, 0, #arg, 1) arg[0] = 'listing' require('listing')"},
@@ -75,21 +71,18 @@ bool Program::RunCode() {
 }
 
 bool Program::RunScript() {
-  if (!options_.script.empty()) return RunNamed();
-  if (!options_.code.empty()) return true;
-  if (!isatty(STDIN_FILENO)) return RunFile(lua_.get(), {"-"});
-  Prompt(lua_.get());
-  return true;
-}
-
-bool Program::RunNamed() {
-  const std::string& name = options_.script.front();
-  const std::string ending = std::filesystem::path(name).extension();
-  for (const Command& command : kCommands) {
-    if (name != command.name && ending != command.name) continue;
-    return RunText(lua_.get(), command.code, "=(zrkhost)", options_.script);
+  const std::vector<std::string>& words = options_.script;
+  if (words.empty() && !options_.code.empty()) return true;
+  if (words.empty() && !isatty(STDIN_FILENO)) return RunFile(lua_.get(), {"-"});
+  if (words.empty()) {
+    Prompt(lua_.get());
+    return true;
   }
-  return RunFile(lua_.get(), options_.script);
+  const std::string ending = std::filesystem::path(words[0]).extension();
+  for (const auto& [name, code] : kCommands) {
+    if (words[0] == name || ending == name) return RunText(lua_.get(), code, "=(zrkhost)", words);
+  }
+  return RunFile(lua_.get(), words);
 }
 
 void Program::PrintVersions() {

@@ -31,9 +31,8 @@ class Program {
   void PrintVersions();
   void OpenState();
   bool RunCode();
+  // A command, a listing in the host's language, a Lua file, or the prompt.
   bool RunScript();
-  // A command, a listing in the host's language, or a Lua file.
-  bool RunNamed();
 
   Options options_;
   Library library_;

@@ -30,19 +30,14 @@ Study helps. Quantifiers are lazy unless --greedy is given, as everywhere in the
 
 The exit status is 0 where something was found, 1 where not, and 2 after an error.]]
 
--- Options with a word of their own: the field they set, and whether they take an argument.
-local words = {
-  ["-t"] = { "text", true }, ["--text"] = { "text", true },
-  ["-r"] = { "replace", true }, ["--replace"] = { "replace", true },
-  ["--encoding"] = { "encoding", true }, ["--color"] = { "color", true }, ["--colour"] = { "color", true },
-  ["-p"] = { "print" }, ["--print"] = { "print" },
-  ["-c"] = { "count" }, ["--count"] = { "count" },
-  ["-o"] = { "only_matching" }, ["--only-matching"] = { "only_matching" },
-  ["--json"] = { "json" }, ["--code"] = { "code" }, ["--bytes"] = { "bytes" },
-  ["--help"] = { "help" }, ["-h"] = { "help" },
-}
-local shorts = { ["-i"] = "--caseless", ["-s"] = "--dotall", ["-m"] = "--multiline", ["-x"] = "--extended",
-  ["-g"] = "--no-ungreedy", ["--greedy"] = "--no-ungreedy", ["--lazy"] = "--ungreedy" }
+-- The options that set a field of their name, and whether they take an argument.
+local fields = { text = true, replace = true, encoding = true, color = true, print = false, count = false,
+  ["only-matching"] = false, json = false, code = false, bytes = false, help = false }
+-- Other ways to write them, and some of the properties.
+local other_words = { ["-t"] = "--text", ["-r"] = "--replace", ["-p"] = "--print", ["-c"] = "--count",
+  ["-o"] = "--only-matching", ["-h"] = "--help", ["-i"] = "--caseless", ["-s"] = "--dotall",
+  ["-m"] = "--multiline", ["-x"] = "--extended", ["-g"] = "--no-ungreedy", ["--greedy"] = "--no-ungreedy",
+  ["--lazy"] = "--ungreedy", ["--colour"] = "--color" }
 
 local function unknown(word) return nil, ("no option %q; zrkhost try --help lists them"):format(word) end
 
@@ -80,19 +75,15 @@ local function take_option(parsed, list)
     argument = "-" .. first
     table.insert(list, 1, "-" .. others)
   end
-  argument = shorts[argument] or argument
   local name, value = argument:match("^(%-%-[^=]+)=(.*)$")
-  local row = words[name or argument]
-  if row and not row[2] then
-    parsed[row[1]] = true
-  elseif row then
-    parsed[row[1]] = value or table.remove(list, 1)
-    if not parsed[row[1]] then return nil, ("the option %q needs an argument"):format(argument) end
-  elseif argument:find("^%-%-") then
-    return set_property(parsed, (name or argument):sub(3), value)
-  else
-    return unknown(argument)
-  end
+  name = name or argument
+  local word = (other_words[name] or name):match("^%-%-(.*)")
+  if not word then return unknown(argument) end
+  local takes_argument = fields[word]
+  if takes_argument == nil then return set_property(parsed, word, value) end
+  value = not takes_argument or value or table.remove(list, 1)
+  if not value then return nil, ("the option %q needs an argument"):format(argument) end
+  parsed[word:gsub("-", "_")] = value
   return true
 end
 

@@ -114,12 +114,12 @@ function L.each(array)
 end
 local function insert(array, index, value)
   check(array, index, array.n)
-  for i = array.n, index + 1, -1 do array[i] = array[i - 1] end
+  table.move(array, index, array.n - 1, index + 1)
   array[index], array.n = value, array.n + 1
 end
 local function remove(array, index)
   local value = L.at(array, index)
-  for i = index, array.n - 2 do array[i] = array[i + 1] end
+  table.move(array, index + 1, array.n - 1, index)
   array[array.n - 1], array.n = nil, array.n - 1
   return value
 end

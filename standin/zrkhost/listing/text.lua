@@ -99,8 +99,9 @@ function text.right(s, count) return s:sub(place(s, text.length(s) - count) + 1)
 -- The byte where `find` stands at or behind byte `from`, whatever the case; nil for nowhere.
 function text.find(s, find, from) return text.lower(s):find(text.lower(find), from, true) end
 
--- The pieces between the separators; one for each character where there is no separator.
-function text.split(s, separator)
+-- The pieces between the first `most` separators, or all; one for each character where there is no
+-- separator.
+function text.split(s, separator, most)
   local pieces, from = {}, 1
   if s == "" then return pieces end
   if separator == "" then
@@ -110,25 +111,19 @@ function text.split(s, separator)
     return pieces
   end
   local low, low_separator = text.lower(s), text.lower(separator)
-  while true do
+  while #pieces < (most or math.huge) do
     local first, last = low:find(low_separator, from, true)
-    pieces[#pieces + 1] = s:sub(from, (first or 0) - 1)
-    if not first then return pieces end
-    from = last + 1
+    if not first then break end
+    pieces[#pieces + 1], from = s:sub(from, first - 1), last + 1
   end
+  pieces[#pieces + 1] = s:sub(from)
+  return pieces
 end
 
 -- The first `count` occurrences of `find` replaced.
 function text.replace(s, find, replacement, count)
   if find == "" then return s end
-  local low, low_find, from, parts = text.lower(s), text.lower(find), 1, {}
-  while count > 0 do
-    local first, last = low:find(low_find, from, true)
-    if not first then break end
-    parts[#parts + 1] = s:sub(from, first - 1) .. replacement
-    from, count = last + 1, count - 1
-  end
-  return table.concat(parts) .. s:sub(from)
+  return table.concat(text.split(s, find, count), replacement)
 end
 
 return text

@@ -76,4 +76,11 @@ TEST(UTF8, NoPlaceIsOverlooked) {
   }
 }
 
+// Characters are counted from places at a fixed distance, and here those lie within characters.
+TEST(UTF8, CharactersMayLieAcrossPlacesToCountFrom) {
+  std::string euros;
+  while (euros.size() < 3 * 131'072) euros += "€";
+  Check(euros);
+}
+
 }  // namespace

@@ -102,6 +102,12 @@ TEST(StandIn, ReportsEachMistake) {
       {"takes a string for an object",
        [](String text) { return Call("REALLockObject", text), nullptr; },
        "where an object belongs"},
+      {"takes an array for a string",
+       [](String) {
+         const Value array = Host::Current()->StringArray({});
+         return Lock(static_cast<String>(array.handle())), nullptr;
+       },
+       "where a string belongs"},
       {"reads behind an array's end",
        [](String) {
          const Value array = Host::Current()->StringArray({"a"});

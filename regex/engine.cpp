@@ -32,11 +32,10 @@ void WriteLimits(pcre_extra& extra, const RegExClassData& data) {
              extra.match_limit_recursion);
 }
 
-// Whether the engine would take the call's subject for UTF-8 without checking it.
-[[gnu::noinline]] bool ReadsUnchecked(const EngineCall& call) {
-  if ((call.options & PCRE_NO_UTF8_CHECK) == 0) return false;
+// Whether the pattern takes its subjects for UTF-8.
+[[gnu::noinline]] bool ReadsUTF8(const pcre* code) {
   unsigned long compiled_with = 0;
-  pcre_fullinfo(call.code, nullptr, PCRE_INFO_OPTIONS, &compiled_with);
+  pcre_fullinfo(code, nullptr, PCRE_INFO_OPTIONS, &compiled_with);
   return (compiled_with & PCRE_UTF8) != 0;
 }
 
@@ -101,7 +100,9 @@ EngineCall PrepareCall(RegExClassData& data) {
 void SetSubject(EngineCall& call, SubjectBytes* subject, std::int32_t start) {
   std::string_view bytes;
   if (subject != nullptr) {
-    const bool as_they_are = subject->AreKnownSafe() || !ReadsUnchecked(call);
+    // The engine is asked last: that takes as long as looking through a hundred bytes.
+    const bool as_they_are =
+        (call.options & PCRE_NO_UTF8_CHECK) == 0 || subject->AreSafe() || !ReadsUTF8(call.code);
     bytes = as_they_are ? subject->bytes() : subject->ForUncheckedEngine();
   }
   call.subject = bytes.data();

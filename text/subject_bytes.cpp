@@ -12,13 +12,12 @@ constexpr std::size_t kMarkDistance = 64 << 10;
 
 }  // namespace
 
-std::string_view SubjectBytes::FindSafeBytes() {
-  if (safety_ == Safety::kUnknown) {
-    const bool unsafe = HasUnsafeBytes(bytes_);
-    if (unsafe) safe_copy_ = CopyWithoutUnsafeBytes(bytes_);
-    safety_ = unsafe ? Safety::kCopied : Safety::kSafe;
-  }
-  if (safety_ != Safety::kCopied) return bytes_;
+void SubjectBytes::LookForUnsafeBytes() {
+  safety_ = HasUnsafeBytes(bytes_) ? Safety::kUnsafe : Safety::kSafe;
+}
+
+std::string_view SubjectBytes::CopyForUncheckedEngine() {
+  if (safe_copy_.empty()) safe_copy_ = CopyWithoutUnsafeBytes(bytes_);
   return {safe_copy_.data(), safe_copy_.size()};
 }
 

@@ -29,21 +29,24 @@ class SubjectBytes {
 
   std::string_view bytes() const { return bytes_; }
 
-  // What to show an engine that does not check its UTF-8: the bytes themselves, or a copy of the
-  // same length without unsafe bytes, owned here. The first call may throw std::bad_alloc.
-  std::string_view ForUncheckedEngine() { return AreKnownSafe() ? bytes_ : FindSafeBytes(); }
-
-  // Whether the bytes themselves are what ForUncheckedEngine answers, as far as is known yet.
-  bool AreKnownSafe() const { return safety_ == Safety::kASCII || safety_ == Safety::kSafe; }
+  // Whether an engine that does not check its UTF-8 may be shown the bytes themselves.
+  bool AreSafe() {
+    if (safety_ == Safety::kUnknown) LookForUnsafeBytes();
+    return safety_ != Safety::kUnsafe;
+  }
+  // What to show such an engine: the bytes, or where they are not safe a copy of the same length
+  // without unsafe bytes, owned here. The first call may throw std::bad_alloc.
+  std::string_view ForUncheckedEngine() { return AreSafe() ? bytes_ : CopyForUncheckedEngine(); }
 
   // The number of characters that begin before a byte offset, which is at most the bytes' number.
   // The first call counts up to there, later ones from a place nearby.
   std::size_t CharactersBefore(std::size_t offset);
 
  private:
-  enum class Safety : unsigned char { kUnknown, kASCII, kSafe, kCopied };
+  enum class Safety : unsigned char { kUnknown, kASCII, kSafe, kUnsafe };
 
-  std::string_view FindSafeBytes();
+  [[gnu::noinline]] void LookForUnsafeBytes();
+  std::string_view CopyForUncheckedEngine();
   CharacterPosition LastKnown(std::size_t offset) const;
 
   std::string_view bytes_;

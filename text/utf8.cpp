@@ -60,14 +60,40 @@ std::uint64_t WordAt(const unsigned char* bytes) {
   return word;
 }
 
-bool IsASCIIWord(const unsigned char* bytes) { return (WordAt(bytes) & kHighBits) == 0; }
+// Tests of so many words: objects and not functions, since they are handed on and must be inlined.
 
-// Whether all bytes of a word are below kLastSafeLead: what is added to the low seven bits of each
-// carries into the eighth from there on.
-bool IsBelowLastLead(const unsigned char* bytes) {
+constexpr auto kAreASCII = [](const unsigned char* bytes, std::size_t words) {
+  std::uint64_t bits = 0;
+  for (std::size_t i = 0; i < words; ++i) bits |= WordAt(bytes + i * kWordBytes);
+  return (bits & kHighBits) == 0;
+};
+
+// All bytes are below kLastSafeLead: what is added to the low seven bits of each carries into the
+// eighth from there on.
+constexpr auto kAreBelowLastLead = [](const unsigned char* bytes, std::size_t words) {
   constexpr std::uint64_t kCarry = kHighBits / 0x80 * (0x100 - kLastSafeLead);
-  const std::uint64_t word = WordAt(bytes);
-  return (((word & ~kHighBits) + kCarry) & word & kHighBits) == 0;
+  std::uint64_t bits = 0;
+  for (std::size_t i = 0; i < words; ++i) {
+    const std::uint64_t word = WordAt(bytes + i * kWordBytes);
+    bits |= ((word & ~kHighBits) + kCarry) & word;
+  }
+  return (bits & kHighBits) == 0;
+};
+
+// Whether a test of so many words holds for all bytes of a text that has at least one word. Most
+// subjects are short: they take a few long steps, the last of which reaches back over bytes that
+// were looked at, since the processor seldom foresees how often a loop over single words runs.
+template <typename Test>
+bool HoldsThroughout(const unsigned char* bytes, std::size_t length, Test holds) {
+  const auto at_both_ends = [&](std::size_t words) {
+    return holds(bytes, words) && holds(bytes + length - words * kWordBytes, words);
+  };
+  if (length < 2 * kWordBytes) return at_both_ends(1);
+  if (length < 4 * kWordBytes) return at_both_ends(2);
+  for (std::size_t left = length; left > 4 * kWordBytes; left -= 4 * kWordBytes) {
+    if (!holds(bytes + length - left, 4)) return false;
+  }
+  return holds(bytes + length - 4 * kWordBytes, 4);
 }
 
 // How far a character that begins in the block's last bytes reaches past its end.
@@ -123,6 +149,15 @@ std::size_t LeadingRun(const unsigned char* bytes, std::size_t length) {
   return static_cast<std::size_t>(std::find_if_not(bytes, bytes + length, IsContinuation) - bytes);
 }
 
+// Whether a short text is safe at first sight, as most are: no byte is one of the last leads or
+// above, the first one begins a character, and none of the last three announces more than there is.
+bool IsPlainlySafe(const unsigned char* bytes, std::size_t length) {
+  if (length < kWordBytes || length >= kBlock) return false;
+  const unsigned char* const end = bytes + length;
+  return !IsContinuation(bytes[0]) && end[-1] < 0xC0 && end[-2] < 0xE0 && end[-3] < 0xF0 &&
+         HoldsThroughout(bytes, length, kAreBelowLastLead);
+}
+
 // The first unsafe byte at or after `at`, which lies behind the leading run; `length` if none is.
 std::size_t FindUnsafe(const unsigned char* bytes, std::size_t length, std::size_t at) {
   // What a byte before the last three announces is not cut off.
@@ -135,7 +170,7 @@ std::size_t FindUnsafe(const unsigned char* bytes, std::size_t length, std::size
     if (at < tail && tail >= kWordBytes) {
       // The last one reaches back over bytes that were looked at.
       const std::size_t word = std::min(at, tail - kWordBytes);
-      if (IsBelowLastLead(bytes + word)) {
+      if (kAreBelowLastLead(bytes + word, 1)) {
         at = word + kWordBytes;
         continue;
       }
@@ -159,11 +194,10 @@ bool IsASCII(std::string_view text) {
   for (; at + kBlock <= length; at += kBlock) {
     if (UnionOfBlock(bytes + at) >= 0x80) return false;
   }
-  // Most subjects are short, and a loop with an exit stays a short loop.
-  for (; at + kWordBytes <= length; at += kWordBytes) {
-    if (!IsASCIIWord(bytes + at)) return false;
+  if (length >= kWordBytes) {
+    at = std::min(at, length - kWordBytes);
+    return HoldsThroughout(bytes + at, length - at, kAreASCII);
   }
-  if (length >= kWordBytes) return IsASCIIWord(bytes + length - kWordBytes);
   return std::all_of(bytes, bytes + length, [](unsigned char byte) { return byte < 0x80; });
 }
 
@@ -203,6 +237,7 @@ CharacterPosition WalkCharacters(std::string_view text, CharacterPosition from,
 
 bool HasUnsafeBytes(std::string_view text) {
   const unsigned char* const bytes = BytesOf(text);
+  if (IsPlainlySafe(bytes, text.size())) return false;
   return LeadingRun(bytes, text.size()) > 0 || FindUnsafe(bytes, text.size(), 0) < text.size();
 }
 

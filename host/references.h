@@ -72,6 +72,23 @@ using ObjectReference = Reference<REALobjectStruct>;
 using BlockReference = Reference<REALmemoryBlockStruct>;
 using StringArrayReference = Reference<_REALarrayString>;
 
+// Bytes that the host hands out for a string, to be handed back once.
+struct StringData {
+  StringData() = default;
+  StringData(StringData&& other) noexcept
+      : record(other.record), filled(std::exchange(other.filled, false)) {}
+  StringData& operator=(StringData&&) = delete;
+  ~StringData() {
+    try {
+      if (filled) REALDisposeStringData(&record);
+    } catch (...) {  // as for a reference
+    }
+  }
+
+  REALstringData record{};
+  bool filled = false;
+};
+
 }  // namespace zrk
 
 #endif  // ZRK_HOST_REFERENCES_H

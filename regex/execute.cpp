@@ -73,9 +73,10 @@ void StoreResult(RegExClassData& data, int result) {
 // within the library would be another 4 and 2.
 [[gnu::flatten]] HostInteger rb_pcre_exec(RegExClassData& data, REALstringStruct* text,
                                           HostInteger start) {
+  std::optional<rbText::Holdings> former;
   Released earlier = ClearText(data);
   if (!BeginMatch(data, earlier) || data.Handle == nullptr) return 0;
-  KeepText(data, text, earlier);
+  KeepText(data, text, earlier, former);
   return RunHere(data, start);
 }
 
@@ -101,10 +102,11 @@ HostInteger rb_pcre_execM(RegExClassData& data, REALmemoryBlockStruct* text, Hos
 // run a program that lets go of it.
 HostInteger rb_pcre_execMT(REALobjectStruct* object, REALstringStruct* text, HostInteger start) {
   RegExClassData& data = DataOf(object);
+  std::optional<rbText::Holdings> former;
   Released earlier = ClearText(data);
   if (!BeginMatch(data, earlier) || data.Handle == nullptr) return 0;
   const auto kept_alive = ObjectReference::Share(object);
-  KeepText(data, text, earlier);
+  KeepText(data, text, earlier, former);
   return RunOnWorker(data, start);
 }
 

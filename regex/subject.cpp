@@ -46,14 +46,18 @@ void ClearErrorMessage(RegExClassData& data, Released& released) {
 
 // The adapter holds a reference of its own, and the one in Text is what the script sees: both are
 // part of what the host expects.
-void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier) {
-  std::unique_ptr<rbText> adapter;
+void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier,
+              std::optional<rbText::Holdings>& former) {
+  std::unique_ptr<rbText> adapter = std::move(earlier.text_adapter);
   StringReference kept;
-  if (text != nullptr && text == earlier.text.get() && earlier.text_adapter->StillReads(text)) {
-    adapter = std::move(earlier.text_adapter);
+  if (text != nullptr && text == earlier.text.get() && adapter->StillReads(text)) {
     kept = std::move(earlier.text);
   } else {
-    adapter = std::make_unique<rbText>(text);
+    if (adapter == nullptr) {
+      adapter = std::make_unique<rbText>(text);
+    } else {
+      adapter->GoOverTo(text, former);
+    }
     kept = StringReference::Share(text);
   }
   const std::string_view bytes = adapter->UTF8();

@@ -40,18 +40,26 @@ bool IsSingleByteFamily(std::uint32_t encoding) {
 
 }  // namespace
 
-rbText::rbText(REALstringStruct* string) : source_(StringReference::Share(string)) {
-  if (string != nullptr) {
+void rbText::Read() {
+  if (held_.source.get() != nullptr) {
     ReadSource();
   } else {
     SetForm(kEmptyText, true);
   }
 }
 
+void rbText::GoOverTo(REALstringStruct* string, std::optional<Holdings>& former) {
+  former.emplace(std::move(held_));
+  held_.source = StringReference::Share(string);
+  form_ = SubjectBytes();
+  converted_ = false;
+  Read();
+}
+
 // A host that cannot tell the encoding answers the neutral 0, which is one of the family. The scan
 // needs no lock beside the one that the adapter holds.
 void rbText::ReadSource() {
-  encoding_ = REALGetStringEncoding(source_.get());
+  encoding_ = REALGetStringEncoding(held_.source.get());
   if (IsSingleByteFamily(encoding_)) {
     ShareASCII();
   } else if (encoding_ == kEncodingUnknown) {
@@ -62,18 +70,18 @@ void rbText::ReadSource() {
 // Bytes above ASCII without an encoding are taken for Mac Roman, the host's oldest default.
 void rbText::ReadUnknownEncoding() {
   if (ShareASCII()) return;
-  const std::string_view text = TextOf(source_.get());
+  const std::string_view text = TextOf(held_.source.get());
   REALstringStruct* const rebuilt =
       FitsWithTerminator(text) ? REALBuildUnicodeString(text, kEncodingMacRoman) : nullptr;
   if (rebuilt == nullptr) return SetForm(kEmptyText, true);
-  source_ = StringReference::Adopt(rebuilt);
+  held_.source = StringReference::Adopt(rebuilt);
   ShareASCII();
 }
 
 // ASCII bytes are the same in all five single-byte encodings, and the host ends them with a zero:
 // they are read in place. Answers whether the source is ASCII.
 bool rbText::ShareASCII() {
-  const std::string_view text = TextOf(source_.get());
+  const std::string_view text = TextOf(held_.source.get());
   if (!IsASCII(text)) return false;
   SetForm(text, true);
   return true;
@@ -83,19 +91,21 @@ void rbText::ConvertUTF8() { SetForm(Terminated(FetchUTF8())); }
 
 // The text as host memory holds it; empty where the host cannot convert it.
 std::string_view rbText::FetchUTF8() {
-  const REALstringStruct* const source = source_.get();
+  const REALstringStruct* const source = held_.source.get();
   const bool readable = !HostIsAtLeast(kHostHidesItsRecords) &&
                         (source->Encoding == kEncodingUTF8 || source->Encoding == kEncodingASCII);
   if (readable) return TextOf(source);
   if (HostIsAtLeast(kHostConvertsOnRequest)) return FetchStringData();
-  converted_string_ = StringReference::Adopt(REALConvertString(source_.get(), kEncodingUTF8));
-  return converted_string_.get() != nullptr ? TextOf(converted_string_.get()) : kEmptyText;
+  held_.converted_string =
+      StringReference::Adopt(REALConvertString(held_.source.get(), kEncodingUTF8));
+  return held_.converted_string.get() != nullptr ? TextOf(held_.converted_string.get())
+                                                 : kEmptyText;
 }
 
 std::string_view rbText::FetchStringData() {
-  REALstringData& data = string_data_.record;
-  string_data_.filled = REALGetStringData(source_.get(), kEncodingUTF8, &data) != 0;
-  if (!string_data_.filled || data.Data == nullptr || data.Length < 0) return kEmptyText;
+  REALstringData& data = held_.string_data.record;
+  held_.string_data.filled = REALGetStringData(held_.source.get(), kEncodingUTF8, &data) != 0;
+  if (!held_.string_data.filled || data.Data == nullptr || data.Length < 0) return kEmptyText;
   return {data.Data, static_cast<std::size_t>(data.Length)};
 }
 
@@ -104,10 +114,10 @@ std::string_view rbText::FetchStringData() {
 std::string_view rbText::Terminated(std::string_view text) {
   if (text.data()[text.size()] == '\0') return text;
   if (!FitsWithTerminator(text)) return kEmptyText;
-  terminated_copy_.reset(new (std::nothrow) char[text.size() + kTerminatorBytes]());
-  if (terminated_copy_ == nullptr) return kEmptyText;
-  std::copy(text.begin(), text.end(), terminated_copy_.get());
-  return {terminated_copy_.get(), text.size()};
+  held_.terminated_copy.reset(new (std::nothrow) char[text.size() + kTerminatorBytes]());
+  if (held_.terminated_copy == nullptr) return kEmptyText;
+  std::copy(text.begin(), text.end(), held_.terminated_copy.get());
+  return {held_.terminated_copy.get(), text.size()};
 }
 
 }  // namespace zrk

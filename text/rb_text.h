@@ -8,7 +8,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "host/references.h"
 #include "text/subject_bytes.h"
@@ -17,10 +19,26 @@ namespace zrk {
 
 class rbText {
  public:
+  // What an adapter holds for its string. Released from the last one up: the string first, and last
+  // the copy, as hosts expect it.
+  struct Holdings {
+    std::unique_ptr<char[]> terminated_copy;
+    StringData string_data;
+    StringReference converted_string;
+    StringReference source;
+  };
+
   // Takes a reference of its own; null reads as the empty string and asks nothing of the host.
-  explicit rbText(REALstringStruct* string);
+  explicit rbText(REALstringStruct* string)
+      : held_{nullptr, {}, {}, StringReference::Share(string)} {
+    Read();
+  }
   rbText(const rbText&) = delete;
   rbText& operator=(const rbText&) = delete;
+
+  // Goes over to another string, as if made for it. What was held for the one before goes to
+  // `former`: giving it back can run the program, so the caller says when.
+  void GoOverTo(REALstringStruct* string, std::optional<Holdings>& former);
 
   // Whether what was read is still what this string holds: strings do not change, but a script may
   // have declared another encoding for this very one. `string` is the one that the adapter is for.
@@ -39,21 +57,10 @@ class rbText {
   }
 
  private:
-  // Bytes that the host hands out for a string, to be handed back once.
-  struct StringData {
-    ~StringData() {
-      try {
-        if (filled) REALDisposeStringData(&record);
-      } catch (...) {  // as for a reference that is given back
-      }
-    }
-    REALstringData record{};
-    bool filled = false;
-  };
-
   // What ASCII text never needs is kept out of line: the rest is inlined where scripts call most.
   [[gnu::noinline]] void ReadUnknownEncoding();
   [[gnu::noinline]] void ConvertUTF8();
+  void Read();
   void ReadSource();
   bool ShareASCII();
   std::string_view FetchUTF8();
@@ -64,12 +71,7 @@ class rbText {
     converted_ = true;
   }
 
-  // Released from the last one up: the string first, and last the copy, as hosts expect it.
-  std::unique_ptr<char[]> terminated_copy_;
-  StringData string_data_;
-  StringReference converted_string_;
-  StringReference source_;
-
+  Holdings held_;
   SubjectBytes form_;
   std::uint32_t encoding_ = 0;
   bool converted_ = false;

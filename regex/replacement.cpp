@@ -29,8 +29,9 @@ char Unescaped(char byte) {
 Replacement::Replacement(std::string_view text, std::int32_t group_bound) {
   if (text.size() > kShortText) {
     const auto escapes = static_cast<std::size_t>(std::ranges::count(text, kEscape));
-    long_insertions_.reset(new Insertion[std::min(escapes, text.size() / 2)]);
-    long_literals_.reset(new char[text.size() + kCopyWidth]);
+    long_insertions_ =
+        std::make_unique_for_overwrite<Insertion[]>(std::min(escapes, text.size() / 2));
+    long_literals_ = std::make_unique_for_overwrite<char[]>(text.size() + kCopyWidth);
     insertions_ = long_insertions_.get();
     literals_ = long_literals_.get();
   }

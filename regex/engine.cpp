@@ -100,9 +100,10 @@ EngineCall PrepareCall(RegExClassData& data) {
 void SetSubject(EngineCall& call, SubjectBytes* subject, std::int32_t start) {
   std::string_view bytes;
   if (subject != nullptr) {
-    // The engine is asked last: that takes as long as looking through a hundred bytes.
-    const bool as_they_are =
-        (call.options & PCRE_NO_UTF8_CHECK) == 0 || subject->AreSafe() || !ReadsUTF8(call.code);
+    // Asking the engine takes as long as looking through a hundred bytes, so short texts come
+    // first; long ones are looked through only for patterns that have to know.
+    const bool as_they_are = (call.options & PCRE_NO_UTF8_CHECK) == 0 ||
+                             subject->ArePlainlySafe() || !ReadsUTF8(call.code);
     bytes = as_they_are ? subject->bytes() : subject->ForUncheckedEngine();
   }
   call.subject = bytes.data();

@@ -18,7 +18,6 @@ bool MatchWalk::Next() {
     at_end_ = true;
     return false;
   }
-  ++matches_;
   Advance();
   return true;
 }

@@ -27,9 +27,8 @@ class MatchWalk {
   // must not be read: their pairs were never written.
   MatchResult match() const { return {bytes_, call_.length, vector_, PairsOf(kVectorSize)}; }
 
-  // Engine calls made and matches found so far.
+  // Engine calls made so far.
   std::int32_t calls() const { return calls_; }
-  std::int32_t matches() const { return matches_; }
 
  private:
   // Room for all groups that a replacement text can name, and the engine's work area.
@@ -40,7 +39,6 @@ class MatchWalk {
   EngineCall call_;
   const char* bytes_;
   std::int32_t calls_ = 0;
-  std::int32_t matches_ = 0;
   bool at_end_ = false;
   std::int32_t vector_[kVectorSize];
 };

@@ -42,7 +42,7 @@ void Check(const std::string& bytes) {
   const std::string safe = oracle::WithoutUnsafeBytes(bytes);
   zrk::SubjectBytes subject(text);
   EXPECT_EQ(subject.ForUncheckedEngine(), safe);
-  EXPECT_EQ(subject.AreSafe(), safe == bytes);
+  EXPECT_EQ(subject.ArePlainlySafe(), safe == bytes);
   for (const std::size_t offset : {size, size / 3, size - size / 3, std::size_t{0}}) {
     const std::size_t characters = oracle::CharactersBefore(bytes, offset);
     EXPECT_EQ(zrk::WalkCharacters(text, {}, offset).characters, characters);

@@ -29,10 +29,12 @@ class SubjectBytes {
 
   std::string_view bytes() const { return bytes_; }
 
-  // Whether an engine that does not check its UTF-8 may be shown the bytes themselves.
-  bool AreSafe() {
-    if (safety_ == Safety::kUnknown) LookForUnsafeBytes();
-    return safety_ != Safety::kUnsafe;
+  // Whether an engine that does not check its UTF-8 may be shown the bytes themselves, as far as
+  // that is known or seen at a glance.
+  bool ArePlainlySafe() {
+    constexpr std::size_t kGlance = 128;
+    return bytes_.size() <= kGlance ? AreSafe()
+                                    : safety_ == Safety::kASCII || safety_ == Safety::kSafe;
   }
   // What to show such an engine: the bytes, or where they are not safe a copy of the same length
   // without unsafe bytes, owned here. The first call may throw std::bad_alloc.
@@ -45,6 +47,10 @@ class SubjectBytes {
  private:
   enum class Safety : unsigned char { kUnknown, kASCII, kSafe, kUnsafe };
 
+  bool AreSafe() {
+    if (safety_ == Safety::kUnknown) LookForUnsafeBytes();
+    return safety_ != Safety::kUnsafe;
+  }
   [[gnu::noinline]] void LookForUnsafeBytes();
   std::string_view CopyForUncheckedEngine();
   CharacterPosition LastKnown(std::size_t offset) const;

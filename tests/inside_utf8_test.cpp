@@ -14,6 +14,8 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 // Clean ASCII, or whole characters of all lengths, as far as they fit, with single bytes of the
 // interesting values: long clean runs are what the scans take in blocks.
 std::string RandomBytes(std::mt19937& random, std::size_t length, bool ascii, int odd_bytes) {
@@ -76,11 +78,15 @@ TEST(UTF8, NoPlaceIsOverlooked) {
   }
 }
 
-// Characters are counted from places at a fixed distance, and here those lie within characters.
-TEST(UTF8, CharactersMayLieAcrossPlacesToCountFrom) {
-  std::string euros;
-  while (euros.size() < 3 * 131'072) euros += "€";
-  Check(euros);
+// Characters that lie across the places to count from, stray bytes that would be in order behind
+// other leads, and bits of which none stands for more than 0x80.
+TEST(UTF8, TheSameBytesOverAndOverAreReadLikeOthers) {
+  for (const std::string& bytes : {"€"s, "a\x80"s, "\0\x80"s}) {
+    SCOPED_TRACE(testing::PrintToString(bytes));
+    std::string text;
+    while (text.size() < 3 * 131'072) text += bytes;
+    Check(text);
+  }
 }
 
 }  // namespace

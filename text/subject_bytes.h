@@ -22,7 +22,7 @@ class SubjectBytes {
   // from an empty text: the engine refuses it.
   explicit SubjectBytes(std::string_view bytes) : bytes_(bytes) {}
   // Names the bytes where there are none yet. That they are ASCII answers every question at once.
-  void Set(std::string_view bytes, bool are_ascii = false) {
+  void Set(std::string_view bytes, bool are_ascii) {
     bytes_ = bytes;
     safety_ = are_ascii ? Safety::kASCII : Safety::kUnknown;
   }

@@ -49,7 +49,7 @@ struct CloseConverter {
 using Converter = std::unique_ptr<void, CloseConverter>;
 
 Converter Open(const char* from, const char* to) {
-  const iconv_t opened = iconv_open(to, from);
+  iconv_t opened = iconv_open(to, from);
   return Converter(opened == reinterpret_cast<iconv_t>(-1) ? nullptr : opened);
 }
 

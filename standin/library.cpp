@@ -33,7 +33,7 @@ fs::path CopyOf(const fs::path& file) {
   fs::create_directory(folder);
   RemoveOrphans(folder);
   const std::string number = std::to_string(getpid()) + "-" + std::to_string(++copies);
-  const fs::path copy = folder / (number + "-" + file.filename().string());
+  fs::path copy = folder / (number + "-" + file.filename().string());
   fs::copy_file(file, copy, fs::copy_options::overwrite_existing);
   return copy;
 }

@@ -213,13 +213,17 @@ TEST(DeepStack, DoesNotHelpPastAPatternsOwnLimit) {
 // replaced. A system that could not give a stack at first may give one later, or the other way
 // round: what was not sized finds room all the same.
 TEST(DeepStack, ThatIsMissedOnceLeavesRoomForWhatIsFound) {
-  for (const auto& [failing, deep_size] : {std::pair(1, 20'019U), {2, 20'000U}}) {
+  struct Row {
+    int failing;
+    std::size_t deep_size;
+  };
+  for (const Row& row : {Row{1, 20'019}, Row{2, 20'000}}) {
     OnFreshThread([&](standin::Host& host) {
       const Object regex = Compiled(host, "(?-U)x|(?:a|b)+$");
       const std::string target = std::string(60'000, 'x') + std::string(20'000, 'a');
-      refused.create = failing;
+      refused.create = row.failing;
       const Value result = regex.Call("ReplaceAll", {target, "\\0" + std::string(19, '-')});
-      EXPECT_EQ(result.Bytes().size(), 60'000 * 20 + deep_size) << failing;
+      EXPECT_EQ(result.Bytes().size(), 60'000 * 20 + row.deep_size) << row.failing;
       EXPECT_EQ(creates, 2);
     });
   }

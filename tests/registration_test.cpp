@@ -82,7 +82,8 @@ std::string DescribeTables(const HostWord* words, bool old_layout) {
     const auto* row = reinterpret_cast<const HostWord*>(words[table.word]);
     for (HostWord rows = words[table.word + 1]; rows > 0; --rows) {
       const HostWord* const end = row + (old_layout ? table.old_row_words : table.row_words);
-      EXPECT_EQ(std::count(row + table.used_words, end, 0), end - row - table.used_words);
+      EXPECT_TRUE(
+          std::all_of(row + table.used_words, end, [](HostWord word) { return word == 0; }));
       lines += table.describe(row) + '\n';
       row = end;
     }

@@ -99,7 +99,7 @@ void OnThread(std::size_t bytes, std::function<void()> test) {
   std::thread(test).join();
 }
 
-constexpr int kLargeStack = 4 << 20;
+constexpr unsigned kLargeStack = 4U << 20;
 
 // One that the system knows nothing of, above memory that nobody may touch.
 void OnOwnStack(std::size_t bytes, std::function<void()> test) {
@@ -126,7 +126,7 @@ void CompileStudyAndSearch() {
   EXPECT_TRUE(groups.Call("Study").Boolean());
   EXPECT_EQ(groups.Call("Execute", {"a"}).Integer(), 0) << "more groups than the vector holds";
   const Object regex = session.Compiled(kPattern);
-  for (const std::size_t length : {20, 60, 100, 230, 480, 7'000}) {
+  for (const std::size_t length : {20U, 60U, 100U, 230U, 480U, 7'000U}) {
     const std::string letters(length, 'a');
     EXPECT_EQ(regex.Call("Execute", {letters + "c"}).Integer(), 1) << length;
     EXPECT_EQ(regex.Call("Execute", {letters}).Integer(), -1) << length;
@@ -137,8 +137,8 @@ void CompileStudyAndSearch() {
 }
 
 TEST(ScarceStacks, AreEnoughForEveryMethod) {
-  for (const auto& [name, run_on, bytes] : {std::tuple("thread", &OnThread, 128 << 10),
-                                            {"own stack", &OnOwnStack, 48 << 10},
+  for (const auto& [name, run_on, bytes] : {std::tuple("thread", &OnThread, 128U << 10),
+                                            {"own stack", &OnOwnStack, 48U << 10},
                                             {"large own stack", &OnOwnStack, kLargeStack}}) {
     SCOPED_TRACE(name);
     run_on(bytes, CompileStudyAndSearch);

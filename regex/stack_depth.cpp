@@ -22,8 +22,9 @@ constexpr std::size_t kGuardBytes = 64 << 10;
 // As much as the main thread usually may have. A search that goes deeper than the stack at hand
 // costs 1.5 ms for the fresh memory of another, against 70 us in place (3,000 characters).
 constexpr std::size_t kMostBytes = 8 << 20;
-// For what the engine calls besides its recursion, and for a signal handler.
-constexpr std::size_t kReservedBytes = 16 << 10;
+// For what the engine calls besides its recursion, for a signal handler, and for the frame that
+// StackLeft is inlined into: it measures from that frame's upper end, and ReplaceAll's is 5 KiB.
+constexpr std::size_t kReservedBytes = 24 << 10;
 // The kernel may give the main thread more later; with less than this it is asked again.
 constexpr std::size_t kScarceBytes = 128 << 10;
 

@@ -14,10 +14,7 @@ bool MatchWalk::Next() {
   if (at_end_) return false;
   ++calls_;
   call_.vector = vector_;  // a copied walk has its own
-  if (RunEngine(call_) < 1) {
-    at_end_ = true;
-    return false;
-  }
+  if (RunEngine(call_) < 1) return false;
   Advance();
   return true;
 }

@@ -20,7 +20,7 @@ class MatchWalk {
   MatchWalk(RegExClassData& data, rbText& target);
 
   // Goes on to the next match. False when there is none, which includes every engine failure, or
-  // when the last match reached the text's end.
+  // when the last match reached the text's end; the walk is over then.
   bool Next();
 
   // The match that Next found, over the text's own bytes. Groups that the pattern does not have

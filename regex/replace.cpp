@@ -6,6 +6,7 @@
 #include <new>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "regex/match_walk.h"
 #include "regex/replacement.h"
@@ -160,9 +161,11 @@ class Builder {
   char* end_ = room_.data();
 };
 
-// The length of the replacements from the walk's match on. Stops where no host string holds that
+// The length of the replacements from a walk's match on. Stops where no host string holds that
 // much, before the sum leaves its type.
-std::int64_t LengthOfRest(MatchWalk walk, const Replacement& replacement) {
+[[gnu::cold, gnu::noinline]] std::int64_t LengthOfRest(const MatchWalk& reached,
+                                                       const Replacement& replacement) {
+  MatchWalk walk = reached;
   std::int64_t length = 0;
   do length += replacement.LengthFor(walk.match());
   while (length <= kLargestResult && walk.Next());

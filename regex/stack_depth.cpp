@@ -23,7 +23,7 @@ constexpr std::size_t kGuardBytes = 64 << 10;
 // costs 1.5 ms for the fresh memory of another, against 70 us in place (3,000 characters).
 constexpr std::size_t kMostBytes = 8 << 20;
 // For what the engine calls besides its recursion, for a signal handler, and for the frame that
-// StackLeft is inlined into: it measures from that frame's upper end, and ReplaceAll's is 5 KiB.
+// StackLeft is inlined into: it measures from that frame's upper end, and ReplaceAll's is 4 KiB.
 constexpr std::size_t kReservedBytes = 24 << 10;
 // The kernel may give the main thread more later; with less than this it is asked again.
 constexpr std::size_t kScarceBytes = 128 << 10;

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <new>
+#include <utility>
 
 #include "host/services.h"
 #include "host/state.h"

@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 #include <array>
-#include <filesystem>
 #include <fstream>
+#include <iterator>
 
 namespace tests {
 
@@ -22,6 +22,12 @@ Ran Shell(const std::string& command) {
   const int ended = pclose(pipe);
   if (WIFEXITED(ended)) ran.status = WEXITSTATUS(ended);
   return ran;
+}
+
+std::string ReadFile(const std::filesystem::path& path) {
+  std::ifstream file(path);
+  EXPECT_TRUE(file) << path;
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::string Quoted(const std::string& text) {

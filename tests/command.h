@@ -2,6 +2,7 @@
 #ifndef ZRK_TESTS_COMMAND_H
 #define ZRK_TESTS_COMMAND_H
 
+#include <filesystem>
 #include <string>
 
 namespace tests {
@@ -12,6 +13,8 @@ struct Ran {
 };
 
 Ran Shell(const std::string& command);
+// All that is in a file, which must be there.
+std::string ReadFile(const std::filesystem::path& path);
 // One word for the shell, whatever is in it.
 std::string Quoted(const std::string& text);
 // zrkhost with these arguments and no input.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "tests/session.h"
+#include "tests/texts.h"
 
 namespace {
 
@@ -16,18 +17,10 @@ using namespace tests;
 constexpr std::size_t kGreedy = sizeof(void*) == 4 ? 250'000 : 500'000;
 constexpr std::size_t kLazy = 2 * kGreedy;
 
-std::string Repeated(const std::string& unit, std::size_t length) {
-  std::string text;
-  while (text.size() < length) text += unit[text.size() % unit.size()];
-  return text;
-}
-
-std::string Letters(std::size_t length) { return Repeated("ab", length); }
-std::string Lines(std::size_t length) { return Repeated("a\n", length - 1) + 'z'; }
-std::string Shallow(std::size_t length) { return '(' + Repeated("ab", length - 2) + ')'; }
-std::string Nested(std::size_t length) {
-  return Repeated("(", length / 2) + Repeated(")", length / 2);
-}
+std::string Letters(std::size_t length) { return Filled("ab", length); }
+std::string Lines(std::size_t length) { return Filled("a\n", length - 1) + 'z'; }
+std::string Shallow(std::size_t length) { return '(' + Filled("ab", length - 2) + ')'; }
+std::string Nested(std::size_t length) { return Filled("(", length / 2) + Filled(")", length / 2); }
 
 struct Row {
   const char* pattern;

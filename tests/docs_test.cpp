@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <regex>
 #include <set>
@@ -22,12 +20,6 @@ using Names = std::set<std::string>;
 
 const fs::path kRoot = ZRK_SOURCE_DIR;
 const fs::path kHelp = kRoot / "docs/help";
-
-std::string Read(const fs::path& file) {
-  std::ifstream in(file);
-  EXPECT_TRUE(in) << file;
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 std::vector<std::smatch> FindAll(const std::string& text, const char* pattern) {
   const std::regex regex(pattern, std::regex::multiline);
@@ -54,7 +46,7 @@ std::vector<Entry> ReferenceEntries() {
   std::vector<Entry> entries;
   for (const auto& page : fs::directory_iterator(kHelp)) {
     if (page.path().extension() != ".md") continue;
-    const std::string text = Read(page.path());
+    const std::string text = ReadFile(page.path());
     const auto headings = FindAll(text, "^### (\\w+)\n\n```declaration\n([^]*?)```\n");
     EXPECT_EQ(headings.size(), FindAll(text, "^```declaration$").size())
         << page.path() << " has declarations without a heading of their own";
@@ -71,7 +63,7 @@ std::vector<Entry> ReferenceEntries() {
 
 // The declarations of every member by its name, from the lines that the library is held to.
 std::map<std::string, Names> RegisteredMembers() {
-  const std::string lines = Read(kRoot / "tests/expected/class.txt");
+  const std::string lines = ReadFile(kRoot / "tests/expected/class.txt");
   std::map<std::string, Names> members;
   for (const std::smatch& line : FindAll(lines, "^(\\w+)([ (].*?)(: read \\w+)?(, write \\w+)?$")) {
     const bool read_only = line[3].matched && !line[4].matched;
@@ -101,9 +93,9 @@ TEST(Reference, ShowsEachMemberInAListing) {
 }
 
 TEST(DocsDecisions, AreListedByTheirTitles) {
-  const std::string list = Read(kRoot / "docs/README.md");
+  const std::string list = ReadFile(kRoot / "docs/README.md");
   for (const auto& entry : fs::directory_iterator(kRoot / "docs/decisions")) {
-    const std::string page = Read(entry.path());
+    const std::string page = ReadFile(entry.path());
     const std::string title = page.substr(2, page.find('\n') - 2);
     const std::string line = "[" + title + "](decisions/" + entry.path().filename().string() + ")";
     EXPECT_NE(list.find(line), std::string::npos) << line;
@@ -116,7 +108,7 @@ TEST(DocsExamples, PrintWhatStandsBehindThem) {
   constexpr const char* kExample = "^```(lua|vb)\n([^]*?)```\n(?:\n```text\n([^]*?)```\n)?";
   std::size_t run = 0;
   for (const fs::path& page : Pages()) {
-    const std::string text = Read(page);
+    const std::string text = ReadFile(page);
     for (const std::smatch& example : FindAll(text, kExample)) {
       const auto line = std::count(text.begin(), example[2].first, '\n');
       const std::string code = std::string(static_cast<std::size_t>(line), '\n') + example[2].str();
@@ -142,7 +134,7 @@ TEST(DocsPatterns, FindWhatTheirRowsMark) {
       if found ~= marked then print(pattern, found, re.ErrorMessage) end
     end
   )";
-  const std::string page = Read(kHelp / "patterns.md");
+  const std::string page = ReadFile(kHelp / "patterns.md");
   const auto rows = FindAll(page, R"(^\| `([^`]+)` \| .* \| `([^`]+)` \|$)");
   EXPECT_GE(rows.size(), 90U);
   for (const std::smatch& row : rows) {
@@ -154,7 +146,7 @@ TEST(DocsPatterns, FindWhatTheirRowsMark) {
 // Also files that are named without a link, such as tests/docs_test.cpp.
 TEST(DocsLinks, LeadToFiles) {
   for (const fs::path& page : Pages()) {
-    const std::string text = Read(page);
+    const std::string text = ReadFile(page);
     for (const std::smatch& link : FindAll(text, R"(\]\(([^)#:]+)(#[^)]*)?\))")) {
       EXPECT_TRUE(fs::exists(page.parent_path() / link[1].str())) << page << ": " << link[1];
     }

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "tests/session.h"
+#include "tests/texts.h"
 
 namespace {
 
@@ -45,10 +46,11 @@ TEST(Escape, PutsABackslashBeforeFourteenCharactersAndUnescapeDropsAll) {
     const Object regex = session.host.NewUninitialised("RegExZRK");
     regex.Get("InfoSize");  // leaves an error behind
     for (const Row& row : kRows) {
+      SCOPED_TRACE(testing::Message() << row.method << ' ' << row.text);
       const Value result = regex.Call(row.method, {Value(row.text)});
-      EXPECT_EQ(result.Bytes(), row.result) << row.method << ' ' << row.text;
+      EXPECT_EQ(result.Bytes(), row.result);
       EXPECT_EQ(result.IsNil(), row.result.empty());
-      EXPECT_TRUE(result.IsNil() || result.Encoding() == zrk::kEncodingUTF8) << row.text;
+      EXPECT_TRUE(result.IsNil() || result.Encoding() == zrk::kEncodingUTF8);
       EXPECT_EQ(regex.Get("Lasterror").Integer(), -99);
     }
   }
@@ -65,8 +67,7 @@ TEST(Escape, IsUndoneByUnescapeAndMatchesTheTextItself) {
   regex.Set("CompileOptionUTF8", false);
   for (const std::string& unit : {bytes, special}) {
     for (const std::size_t size : {1U, 2U, 255U, 4095U, 4096U, 4097U, 8192U, 20000U}) {
-      std::string text;
-      while (text.size() < size) text += unit[text.size() % unit.size()];
+      const std::string text = Filled(unit, size);
       const Value escaped = regex.Call("Escape", {text});
       EXPECT_EQ(regex.Call("Unescape", {escaped}).Bytes(), text) << size;
       ASSERT_TRUE(regex.Call("Compile", {"\\A" + escaped.Bytes() + "\\z"}).Boolean()) << size;

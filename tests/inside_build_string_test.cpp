@@ -11,11 +11,13 @@
 #include "host/state.h"
 #include "standin/encoding.h"
 #include "standin/host.h"
+#include "tests/texts.h"
 #include "text/build_string.h"
 
 namespace {
 
 using standin::Host;
+using tests::Bytes;
 
 // A host that the objects linked into this program are connected to.
 struct Connected {
@@ -25,11 +27,6 @@ struct Connected {
   ~Connected() { EXPECT_EQ(host.Problems(), std::vector<std::string>{}); }
   Host host;
 };
-
-template <typename Unit>
-std::string Bytes(std::basic_string_view<Unit> text) {
-  return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(Unit)};
-}
 
 // What is built: `ASCII abc` by encoding and bytes, or `null`.
 std::string Build(std::string_view bytes, std::uint32_t encoding) {
@@ -64,6 +61,7 @@ TEST(BuildString, MarksOrConvertsByEncoding) {
     SCOPED_TRACE(version);
     const Connected connected({.version = version});
     for (const Row& row : rows) {
+      SCOPED_TRACE(row.expected);
       EXPECT_EQ(Build(row.bytes, row.encoding), row.expected);
       EXPECT_EQ(Build("", row.encoding), "null");
       EXPECT_EQ(Build({"abc", 0x80000000}, row.encoding), "null");

@@ -4,14 +4,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <map>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "tests/command.h"
 #include "tests/session.h"
 
 namespace {
@@ -82,9 +81,10 @@ std::string DescribeTables(const HostWord* words, bool old_layout) {
     const auto* row = reinterpret_cast<const HostWord*>(words[table.word]);
     for (HostWord rows = words[table.word + 1]; rows > 0; --rows) {
       const HostWord* const end = row + (old_layout ? table.old_row_words : table.row_words);
-      EXPECT_TRUE(
-          std::all_of(row + table.used_words, end, [](HostWord word) { return word == 0; }));
-      lines += table.describe(row) + '\n';
+      const std::string line = table.describe(row) + '\n';
+      EXPECT_TRUE(std::all_of(row + table.used_words, end, [](HostWord word) { return word == 0; }))
+          << line;
+      lines += line;
       row = end;
     }
   }
@@ -92,8 +92,7 @@ std::string DescribeTables(const HostWord* words, bool old_layout) {
 }
 
 TEST(Registration, TheWordsAreAsDescribedInBothLayouts) {
-  std::ifstream file(ZRK_SOURCE_DIR "/tests/expected/class.txt");
-  const std::string expected(std::istreambuf_iterator<char>(file), {});
+  const std::string expected = tests::ReadFile(ZRK_SOURCE_DIR "/tests/expected/class.txt");
   for (const double version : {2011.0, 2012.0, 2013.0, 2013.03, 2013.04}) {
     SCOPED_TRACE(version);
     Session session({.version = version, .instance_offset = 48});

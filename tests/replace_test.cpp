@@ -7,6 +7,7 @@
 
 #include "tests/calls.h"
 #include "tests/session.h"
+#include "tests/texts.h"
 
 namespace {
 
@@ -105,7 +106,7 @@ TEST(Replace, NeedsAMatchOfAKeptText) {
        "nil err=-99"},
       {"the text of Match is not kept", [](const Object& regex) { regex.Call("Match", {"abc"}); },
        "nil err=-99", "\"<>\" err=0"},
-      {"and an empty match in it lies within no other",
+      {"nor for an empty match, which would fit an empty text",
        [](const Object& regex) {
          regex.Call("Compile", {"^"});
          regex.Call("Match", {"abc"});
@@ -117,7 +118,7 @@ TEST(Replace, NeedsAMatchOfAKeptText) {
          regex.Call("Match", {Value::Nil(Kind::kStringArray)});
        },
        "nil err=-99", "\"<>\" err=0"},
-      {"Count is that of ReplaceAll, the pair that of a failure",
+      {"Count is of ReplaceAll, the vector of a search that failed",
        [](const Object& regex) {
          regex.Call("Compile", {"(?:a|b)(?:b|c)d"});
          regex.Set("MatchLimit", 1);
@@ -126,7 +127,7 @@ TEST(Replace, NeedsAMatchOfAKeptText) {
          regex.Call("ReplaceAll", {"abd", "N"});
        },
        "nil err=-99", "\"<>\" err=0"},
-      {"Count is that of ReplaceAll, the zeros after no match an empty pair",
+      {"Count is of ReplaceAll, the vector of a search without a match: an empty pair",
        [](const Object& regex) {
          regex.Call("Execute", {"xyz"});
          regex.Call("ReplaceAll", {"abc", "N"});
@@ -176,9 +177,9 @@ TEST(ReplaceAll, LeavesSubjectAndVectorAlone) {
   Session session;
   const Object regex = session.Compiled("b(.)");
   regex.Call("Execute", {"abc"});
-  const std::string before = tests::Describe(regex, 2);
+  const std::string before = Describe(regex, 2);
   regex.Call("ReplaceAll", {"xxbxxby", "<\\1>"});
-  EXPECT_EQ(tests::Describe(regex, 2), before);
+  EXPECT_EQ(Describe(regex, 2), before);
   EXPECT_EQ(regex.Get("Text").UTF8(), "abc");
   // Count is that of ReplaceAll now, but the match of the subject is still there to replace.
   EXPECT_EQ(regex.Call("Replace", {"<\\1>"}).UTF8(), "a<c>");
@@ -204,12 +205,6 @@ TEST(ReplaceAll, NeedsAPatternAndAVector) {
   EXPECT_EQ(Show(zero, zero.TryCall("Replace", {"N"})), raised);
   EXPECT_EQ(Show(zero, zero.TryCall("ReplaceSelection", {"N"})), raised);
   EXPECT_EQ(Show(zero, zero.TryCall("ReplaceAll", {"abc", "N"})), raised);
-}
-
-std::string Repeated(std::string_view text, std::size_t count) {
-  std::string out;
-  for (std::size_t i = 0; i < count; ++i) out += text;
-  return out;
 }
 
 // A result is built at once where it fits in a multiple of the target; dense matches and long
@@ -254,6 +249,7 @@ TEST(ReplaceAll, RefusesWhatNoHostStringHolds) {
   const Value target = std::string(1 << 20, 'x');
   for (const Value& new_text :
        {Value(std::string(4096, 'y')), Value("\\0" + std::string(4096, 'y'))}) {
+    SCOPED_TRACE(new_text.Bytes().substr(0, 3));
     regex.Call("ReplaceAll", {target, "z"});
     const long before = PeakKilobytes();
     EXPECT_EQ(Show(regex, regex.TryCall("ReplaceAll", {target, new_text})), "nil err=-99");
@@ -264,6 +260,7 @@ TEST(ReplaceAll, RefusesWhatNoHostStringHolds) {
   whole.Call("Execute", {target});
   // Just past 2 GiB, and just past what 32 bits count.
   for (const std::size_t groups : {2050U, 4097U}) {
+    SCOPED_TRACE(groups);
     const Value new_text = Repeated("\\0", groups);
     EXPECT_EQ(Show(whole, whole.TryCall("Replace", {new_text})), "nil err=-99");
     EXPECT_EQ(Show(whole, whole.TryCall("ReplaceAll", {target, new_text})), "nil err=-99");

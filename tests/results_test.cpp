@@ -7,17 +7,12 @@
 
 #include "tests/calls.h"
 #include "tests/session.h"
+#include "tests/texts.h"
 
 namespace {
 
 using namespace std::string_literals;
 using namespace tests;
-
-std::string Repeated(const std::string& text, int count) {
-  std::string out;
-  while (count-- > 0) out += text;
-  return out;
-}
 
 // Counting goes on from places that were asked for before, and from marks on the way through a
 // subject as long as this one; that must never show.
@@ -77,7 +72,7 @@ TEST(Offset, IndexesAreOfTheVector) {
         EXPECT_EQ(Try(regex, method, {index}),
                   "0 err=0 " + OutOfBounds("index", method, index, 50));
       }
-      EXPECT_EQ(Raised(regex.TryCall(method, {50})), "");
+      EXPECT_EQ(Raised(regex.TryCall(method, {50})), "") << method;
     }
     EXPECT_EQ(Try(regex, "Offset", {2}), "-1 err=0") << "an unset group";
     EXPECT_EQ(Try(regex, "OffsetCharacters", {2}), "0 err=0");

@@ -8,16 +8,12 @@
 #include <string_view>
 
 #include "tests/session.h"
+#include "tests/texts.h"
 
 namespace {
 
 using standin::Fault;
 using namespace tests;
-
-template <typename Unit>
-std::string Bytes(std::basic_string_view<Unit> text) {
-  return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(Unit)};
-}
 
 // A text, and what the host is asked to convert for it below 2012, below 2017 and from then on:
 // nothing (-), the string (S) or its data on request (R).

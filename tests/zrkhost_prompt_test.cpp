@@ -3,16 +3,16 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "tests/command.h"
 #include "tests/terminal.h"
 
 namespace {
 
+using tests::ReadFile;
 using tests::Terminal;
 using std::string_literals::operator""s;
 
@@ -20,11 +20,6 @@ constexpr const char* kEnter = "\r";
 constexpr const char* kInterrupt = "\x03";
 constexpr const char* kEndOfInput = "\x04";
 constexpr const char* kUp = "\x1b[A";
-
-std::string Read(const std::filesystem::path& path) {
-  std::ifstream file(path);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // Keys, and what the terminal shows after them.
 struct Row {
@@ -44,7 +39,7 @@ class Prompt : public testing::Test {
  protected:
   ~Prompt() override { std::filesystem::remove_all(home_); }
 
-  std::string History() const { return Read(home_ / ".local/state/zrkhost/history"); }
+  std::string History() const { return ReadFile(home_ / ".local/state/zrkhost/history"); }
 
   const std::filesystem::path home_ =
       testing::TempDir() + "zrkhost_home_" + std::to_string(getpid());
@@ -91,7 +86,7 @@ std::string Between(const std::string& text, const std::string& first, const std
 }
 
 TEST_F(Prompt, TakesThePastedSessionOfTheReadme) {
-  const std::string page = Read(ZRK_SOURCE_DIR "/README.md");
+  const std::string page = ReadFile(ZRK_SOURCE_DIR "/README.md");
   const std::string session = Between(page, "```lua\n", "```");
   std::istringstream printed(Between(page, "```text\n", "```", page.find(session)));
   Terminal terminal(command_, 160);

@@ -46,6 +46,7 @@ TEST(DispatchQueue, IsGivenTheWork) {
   Session session;
   const Object regex = session.Compiled("b(.)(x)?");
   for (const bool at_once : {true, false}) {
+    SCOPED_TRACE(at_once ? "at once" : "on a thread");
     queue.at_once = at_once;
     queue.works = 0;
     for (int i = 0; i < 200; ++i) {

@@ -62,6 +62,7 @@ TEST(EngineFaults, LeaveNamesAndFactsOut) {
       {kVersion, "\"first\", 1 err=0, nil"},
   };
   for (const auto& [what, answers] : rows) {
+    SCOPED_TRACE(testing::Message() << "refused: " << what);
     refused = what;
     const Value name = regex.Call("InfoNameEntry", {1});
     const Outcome count{regex.Get("InfoCaptureCount"), {}};

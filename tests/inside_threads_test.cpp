@@ -83,7 +83,8 @@ using namespace tests;
 
 const std::string kDeep(60'000, 'a');
 
-// Runs a test with a host of its own on a thread whose stack nobody has looked at yet.
+// Runs a test with a host of its own on a thread whose stack nobody has looked at yet. What names a
+// row has to be said there.
 template <typename Test>
 void OnFreshThread(Test test) {
   std::thread([&] {
@@ -158,8 +159,8 @@ TEST(Threads, AreDoneWithoutWhereTheyCannotBeHad) {
       {"memory", {.memory = true}, "2 err=0"},
   };
   for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
     OnFreshThread([&](standin::Host& host) {
+      SCOPED_TRACE(row.name);
       const Object regex = Compiled(host, "(?-U)(?:(a)|b)*$");
       EXPECT_EQ(Try(regex, "Execute", {kDeep}), "2 err=0");
       refused = row.refused;
@@ -179,8 +180,8 @@ TEST(Threads, AreDoneWithoutWhereTheyCannotBeHad) {
 // A host with stacks of its own: nothing is counted on, though the thread would have had room.
 TEST(DeepStack, IsTakenAtOnceWhereTheThreadsBoundsAreNotKnown) {
   for (const bool unknown : {false, true}) {
-    SCOPED_TRACE(unknown);
     OnFreshThread([&](standin::Host& host) {
+      SCOPED_TRACE(unknown);
       refused.bounds = unknown;
       const Object regex = Compiled(host, "a+b");
       EXPECT_EQ(Try(regex, "Execute", {std::string(1'000, 'a') + 'b'}), "1 err=0");
@@ -219,11 +220,12 @@ TEST(DeepStack, ThatIsMissedOnceLeavesRoomForWhatIsFound) {
   };
   for (const Row& row : {Row{1, 20'019}, Row{2, 20'000}}) {
     OnFreshThread([&](standin::Host& host) {
+      SCOPED_TRACE(row.failing);
       const Object regex = Compiled(host, "(?-U)x|(?:a|b)+$");
       const std::string target = std::string(60'000, 'x') + std::string(20'000, 'a');
       refused.create = row.failing;
       const Value result = regex.Call("ReplaceAll", {target, "\\0" + std::string(19, '-')});
-      EXPECT_EQ(result.Bytes().size(), 60'000 * 20 + row.deep_size) << row.failing;
+      EXPECT_EQ(result.Bytes().size(), 60'000 * 20 + row.deep_size);
       EXPECT_EQ(creates, 2);
     });
   }

@@ -73,11 +73,12 @@ TEST(Lifecycle, AnObjectWithoutItsConstructorSaysSo) {
     };
     for (const bool compiled : {false, true}) {
       for (const Row& row : rows) {
+        SCOPED_TRACE(row.method + (" of " + row.arguments.front().Describe()));
         const Object regex = session.host.NewUninitialised("RegExZRK");
         EXPECT_EQ(regex.Call("Compile", {compiled ? "(?<n>a)" : "("}).Boolean(), compiled);
-        EXPECT_EQ(Try(regex, row.method, row.arguments), row.expected) << row.method;
+        EXPECT_EQ(Try(regex, row.method, row.arguments), row.expected);
         EXPECT_EQ(Try(regex, "StringNumber", {"n"}), compiled ? "1 err=0" : "0 err=-99");
-        EXPECT_TRUE(regex.Get("Text").IsNil() && regex.Get("TextMemory").IsNil()) << row.method;
+        EXPECT_TRUE(regex.Get("Text").IsNil() && regex.Get("TextMemory").IsNil());
       }
     }
   });

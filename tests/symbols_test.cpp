@@ -1,10 +1,9 @@
 // The built library as a loader sees it: one door in, and safe to open where no host is.
 #include <gtest/gtest.h>
 
-#include <string>
-
+#include "standin/host.h"
+#include "standin/library.h"
 #include "tests/command.h"
-#include "tests/session.h"
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include <sys/types.h>
 
 #include <string>
-#include <vector>
 
 namespace tests {
 

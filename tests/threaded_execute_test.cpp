@@ -89,6 +89,7 @@ TEST(ThreadedExecute, WaitsForItsWorkerWhenAYieldThrows) {
   Session session;
   const Object regex = session.Compiled(kSlowPattern);
   for (const int at_turn : {1, 2, 5}) {
+    SCOPED_TRACE(at_turn);
     int turns = 0;
     session.host.SetFault("REALYieldToRB", {.before = [&] {
                             if (++turns == at_turn) throw standin::NativeException();
@@ -154,6 +155,7 @@ TEST(ThreadedExecute, RaisesBeforeAnythingRuns) {
       {uncompiled, "ExecuteMemoryMT", {block}, "0 err=-99"},
   };
   for (const Row& row : rows) {
+    SCOPED_TRACE(testing::Message() << "row " << &row - rows << ", " << row.method);
     EXPECT_EQ(Try(row.object, row.method, row.arguments), row.outcome);
     EXPECT_TRUE(row.object.Get("TextMemory").IsNil());
   }

@@ -126,6 +126,7 @@ TEST(ZRKHost, DescribesTheWholeClass) {
        R"({"name": "inverse", "type": "boolean", "default": false}])"},
   };
   for (const auto& row : rows) {
+    SCOPED_TRACE(row.one);
     const std::string text = ZRKHost("--host 2011 --describe=" + std::string(row.format)).output;
     const std::regex each(row.each);
     EXPECT_EQ(std::distance(std::sregex_iterator(text.begin(), text.end(), each), {}), members);

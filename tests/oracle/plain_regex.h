@@ -1,5 +1,5 @@
-// The engine called directly, and replacement by the letter of its rules: slow, obvious, and of no
-// common descent with the library. Offsets are in bytes.
+// The engine called directly, and replacement by the letter of its rules: slow, obvious, and with
+// no code of the library's. Offsets are in bytes.
 #ifndef ZRK_TESTS_ORACLE_PLAIN_REGEX_H
 #define ZRK_TESTS_ORACLE_PLAIN_REGEX_H
 

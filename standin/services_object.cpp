@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "standin/encoding.h"
 #include "standin/host.h"
 #include "standin/services.h"
 #include "standin/things.h"

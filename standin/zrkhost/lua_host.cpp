@@ -3,11 +3,7 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <stdexcept>
 #include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
 
 #include "host/records.h"
 #include "standin/encoding.h"

@@ -69,6 +69,7 @@ TEST(Execute, ReadsAStringOnce) {
   const auto read_as = [&](std::uint32_t encoding) {
     static_cast<zrk::REALstringStruct*>(text.handle())->Encoding = encoding;
     regex.Call("Execute", {text});
+    EXPECT_EQ(regex.Get("Text").handle(), text.handle());
     return regex.Call("Substring", {0}).UTF8();
   };
   EXPECT_EQ(read_as(zrk::kEncodingISOLatin1), "bé");

@@ -73,7 +73,7 @@ end
 
 local function number(value)
   local digits = math.abs(value) >= 100 and 0 or math.abs(value) >= 10 and 1 or 2
-  return ("%." .. digits .. "f"):format(value)
+  return (("%." .. digits .. "f"):format(value):gsub("^%-(0%.0+)$", "%1"))
 end
 
 local function promise(target)

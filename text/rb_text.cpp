@@ -104,7 +104,6 @@ std::string_view rbText::FetchUTF8() {
 
 std::string_view rbText::FetchStringData() {
   REALstringData& data = held_.string_data.record;
-  data = {};  // it may still be the record of the text before
   held_.string_data.filled = REALGetStringData(held_.source.get(), kEncodingUTF8, &data) != 0;
   if (!held_.string_data.filled || data.Data == nullptr || data.Length < 0) return kEmptyText;
   return {data.Data, static_cast<std::size_t>(data.Length)};

@@ -63,10 +63,10 @@ TEST(UTF8, ScansAgreeWithSlowOnesAtEveryLength) {
   }
 }
 
-// One odd byte at each place of a short text and of one of several blocks, and at some of one that
+// One odd byte at each place of short texts and of one of several blocks, and at some of one that
 // is long enough to be read at several places side by side.
 TEST(UTF8, NoPlaceIsOverlooked) {
-  for (const std::size_t length : {11U, 603U, 600'003U}) {
+  for (const std::size_t length : {3U, 6U, 11U, 603U, 600'003U}) {
     const std::size_t step = length < 1000 ? 1 : 65'535;
     for (const char* const odd : {"\x80", "\xC3", "\xE2", "\xF4\x90", "\xF5"}) {
       for (std::size_t at = 0; at < length; at += step) {

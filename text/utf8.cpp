@@ -54,8 +54,9 @@ unsigned char LargestOfBlock(const unsigned char* block) {
   return largest;
 }
 
-std::uint64_t WordAt(const unsigned char* bytes) {
-  std::uint64_t word;
+template <typename Word = std::uint64_t>
+Word WordAt(const unsigned char* bytes) {
+  Word word;
   std::memcpy(&word, bytes, sizeof word);
   return word;
 }
@@ -197,6 +198,11 @@ bool IsASCII(std::string_view text) {
   if (length >= kWordBytes) {
     at = std::min(at, length - kWordBytes);
     return HoldsThroughout(bytes + at, length - at, kAreASCII);
+  }
+  constexpr std::size_t kHalf = kWordBytes / 2;
+  if (length >= kHalf) {
+    const auto word = WordAt<std::uint32_t>(bytes) | WordAt<std::uint32_t>(bytes + length - kHalf);
+    return (word & kHighBits) == 0;
   }
   return std::all_of(bytes, bytes + length, [](unsigned char byte) { return byte < 0x80; });
 }

@@ -145,15 +145,19 @@ TEST(DocsPatterns, FindWhatTheirRowsMark) {
 
 // Also files that are named without a link, such as tests/docs_test.cpp.
 TEST(DocsLinks, LeadToFiles) {
+  std::size_t links = 0;
   for (const fs::path& page : Pages()) {
     const std::string text = ReadFile(page);
     for (const std::smatch& link : FindAll(text, R"(\]\(([^)#:]+)(#[^)]*)?\))")) {
       EXPECT_TRUE(fs::exists(page.parent_path() / link[1].str())) << page << ": " << link[1];
+      ++links;
     }
     for (const std::smatch& name : FindAll(text, R"(`([a-z]+/\w+\.(?:cpp|h|lua))`)")) {
       EXPECT_TRUE(fs::exists(kRoot / name[1].str())) << page << ": " << name[1];
+      ++links;
     }
   }
+  EXPECT_GT(links, 100U) << "links that are not found are not looked at";
 }
 
 }  // namespace

@@ -85,10 +85,11 @@ REALstringStruct* BuildReplacement(const MatchResult& match, std::string_view ne
   const Replacement replacement(new_text, match.pairs - 1);
   const auto length = static_cast<std::int64_t>(around.before.size() + around.after.size());
   Room room;
-  if (!room.Grow(length + replacement.LengthFor(match))) return nullptr;
+  const std::int64_t replacement_length = replacement.LengthFor(match);
+  if (!room.Grow(length + replacement_length)) return nullptr;
   const char* const subject_end = match.subject + match.length;
   char* end = Append(around.before, subject_end, room.data());
-  end = replacement.WriteFor(match, end);
+  end = replacement.WriteFor(match, end, replacement_length);
   end = Append(around.after, subject_end, end);
   const std::string_view text = Between(room.data(), end);
   return BuildUTF8(text.substr(0, text.find('\0')));
@@ -120,7 +121,6 @@ class Builder {
 
   // The length of the target and all replacements so far, which the result cannot exceed.
   std::int64_t size() const { return size_; }
-  bool HasRoomFor(std::int64_t length) const { return size_ + length <= room_.size(); }
   // Makes room for a result of that size. False past the largest one and where memory ends.
   bool MakeRoom(std::int64_t size) {
     const std::string_view built = Built();
@@ -129,11 +129,16 @@ class Builder {
     return true;
   }
 
-  // There must be room for the replacement, which has that length.
-  void Replace(const MatchResult& match, const Replacement& replacement, std::int64_t length) {
+  // False where there is no room for the replacement; it can be put in later then.
+  bool Replace(const MatchResult& match, const Replacement& replacement) {
+    const std::int64_t left = room_.size() - size_;
+    if (left < 0) return false;
     Delete(match);
-    end_ = replacement.WriteFor(match, end_);
-    size_ += length;
+    char* const end = replacement.WriteFor(match, end_, left);
+    if (end == nullptr) return false;
+    size_ += end - end_;
+    end_ = end;
+    return true;
   }
   void Delete(const MatchResult& match) {
     CopyTo(match[0].start);
@@ -202,14 +207,11 @@ REALstringStruct* ReplaceMatches(RegExClassData& data, rbText& target, std::stri
   const Replacement replacement(new_text, GroupsOf(data) + 1);
   Builder builder(bytes);
   const std::int64_t size = builder.size();
-  builder.MakeRoom(std::min({8 * size, 2 * size + kUsualGrowth, kLargestResult}));
+  builder.MakeRoom(std::min(size + std::min(7 * size, kUsualGrowth), kLargestResult));
   do {
-    const std::int64_t length = replacement.LengthFor(walk.match());
-    if (!builder.HasRoomFor(length) &&
-        !builder.MakeRoom(builder.size() + LengthOfRest(walk, replacement))) {
-      return nullptr;
-    }
-    builder.Replace(walk.match(), replacement, length);
+    if (builder.Replace(walk.match(), replacement)) continue;
+    if (!builder.MakeRoom(builder.size() + LengthOfRest(walk, replacement))) return nullptr;
+    builder.Replace(walk.match(), replacement);
   } while (walk.Next());
   data.Count = walk.calls();
   return BuildUTF8(builder.Finish());

@@ -69,14 +69,20 @@ std::int64_t Replacement::LengthFor(const MatchResult& match) const {
   return static_cast<std::int64_t>(length);
 }
 
-char* Replacement::WriteFor(const MatchResult& match, char* out) const {
+// The literal bytes find room first, so that only groups are asked about on the way.
+char* Replacement::WriteFor(const MatchResult& match, char* out, std::int64_t room) const {
   const char* const subject_end = match.subject + match.length;
   const char* const readable_end = literals_ + literal_length_ + kCopyWidth;
   std::string_view rest(literals_, literal_length_);
+  room -= static_cast<std::int64_t>(literal_length_);
+  if (room < 0) return nullptr;
   for (const Insertion& insertion : insertions()) {
     out = Append(rest.substr(0, insertion.literal_length), readable_end, out);
-    out = Append(match.Text(insertion.group), subject_end, out);
     rest.remove_prefix(insertion.literal_length);
+    const std::string_view group = match.Text(insertion.group);
+    room -= static_cast<std::int64_t>(group.size());
+    if (room < 0) return nullptr;
+    out = Append(group, subject_end, out);
   }
   return Append(rest, readable_end, out);
 }

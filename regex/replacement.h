@@ -42,10 +42,11 @@ class Replacement {
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;
 
-  // The length in bytes of the text for a match, and the text itself, written at out; answers where
-  // it ends.
+  // The length in bytes of the text for a match.
   std::int64_t LengthFor(const MatchResult& match) const;
-  char* WriteFor(const MatchResult& match, char* out) const;
+  // Writes that text at out and answers where it ends; null where it is longer than `room`, of
+  // which any part may have been written then.
+  char* WriteFor(const MatchResult& match, char* out, std::int64_t room) const;
 
  private:
   // A group's text goes here, behind so many literal bytes.

@@ -245,7 +245,8 @@ TEST_F(AllocationFaults, OfEverythingOnAWorkerAreTheRecursionLimit) {
 TEST_F(AllocationFaults, MakeReplacingSlowerOrNull) {
   const Object regex = session_.Compiled("(b)(c)");
   const std::string long_text(60, 'x');
-  std::string target, swapped, lengthened;
+  const std::string far(2000, 'z');  // further than a short result reaches
+  std::string target = far, swapped = far, lengthened = far;
   for (int i = 0; i < 1000; ++i) target += "abc", swapped += "acb", lengthened += 'a' + long_text;
   regex.Call("Execute", {target});
   struct Row {
@@ -255,12 +256,12 @@ TEST_F(AllocationFaults, MakeReplacingSlowerOrNull) {
     int answers, nulls;
   };
   const Row rows[] = {
-      {"Replace", {"\\2\\1"}, "acb" + target.substr(3), 1, 1},
+      {"Replace", {"\\2\\1"}, far + "acb" + target.substr(far.size() + 3), 1, 1},
       {"ReplaceAll", {target, "\\2\\1"}, swapped, 2, 0},
       {"ReplaceAll", {target, long_text}, lengthened, 2, 1},
   };
   for (const Row& row : rows) {
-    SCOPED_TRACE(row.text.substr(0, 9));
+    SCOPED_TRACE(row.text.substr(far.size(), 9));
     int answers = 0, nulls = 0;
     reached_ = true;
     for (int failing = 1; reached_; ++failing) {

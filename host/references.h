@@ -76,7 +76,7 @@ using StringArrayReference = Reference<_REALarrayString>;
 struct StringData {
   StringData() = default;
   StringData(StringData&& other) noexcept
-      : record(std::exchange(other.record, {})), filled(std::exchange(other.filled, false)) {}
+      : record(other.record), filled(std::exchange(other.filled, false)) {}
   StringData& operator=(StringData&&) = delete;
   ~StringData() {
     try {

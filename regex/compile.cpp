@@ -21,17 +21,18 @@ namespace {
 void StoreMessage(RegExClassData& data, const char* message) {
   auto built = StringReference::Adopt(
       message != nullptr ? REALBuildUnicodeString(message, kEncodingASCII) : nullptr);
-  Released earlier;
-  ClearErrorMessage(data, earlier);
+  const StringReference earlier = ClearErrorMessage(data);
   data.ErrorMessage = built.Take();
 }
 
 // What a compile forgets first, whatever comes of it.
-Released ForgetPattern(RegExClassData& data) {
-  Released released = ClearText(data);
-  ClearErrorMessage(data, released);
+struct Forgotten {
+  Released subject;
+  StringReference message;
+};
+Forgotten ForgetPattern(RegExClassData& data) {
   ClearPattern(data);
-  return released;
+  return {ClearText(data), ClearErrorMessage(data)};
 }
 
 // The engine compiles what it is told not to check as if it were UTF-8: some bytes would take it
@@ -83,14 +84,14 @@ HostBoolean CompileText(RegExClassData& data, const char* pattern) {
 }  // namespace
 
 HostBoolean rb_pcre_compile2(RegExClassData& data, REALstringStruct* pattern) {
-  const Released earlier = ForgetPattern(data);
+  const Forgotten earlier = ForgetPattern(data);
   rbText text(pattern);
   return CompileText(data, text.UTF8().data());
 }
 
 HostBoolean rb_pcre_compileM(RegExClassData& data, REALmemoryBlockStruct* pattern,
                              HostInteger ByteOffset) {
-  const Released earlier = ForgetPattern(data);
+  const Forgotten earlier = ForgetPattern(data);
   const rbData block(pattern);
   const std::string_view bytes = block.bytes();
   if (bytes.data() == nullptr) {
@@ -109,8 +110,7 @@ HostBoolean rb_pcre_compileM(RegExClassData& data, REALmemoryBlockStruct* patter
 
 // The earlier study goes only when the new one is there: one that cannot be had changes nothing.
 HostBoolean rb_pcre_study(RegExClassData& data) {
-  Released earlier;
-  ClearErrorMessage(data, earlier);
+  const StringReference earlier_message = ClearErrorMessage(data);
   if (data.Handle == nullptr) return false;
   const char* error_text = nullptr;
   std::size_t compiled_bytes = 0;

@@ -53,12 +53,12 @@ HostInteger RunOnWorker(RegExClassData& data, HostInteger start) {
 
 }  // namespace
 
-bool BeginMatch(RegExClassData& data, Released& released) {
+bool BeginMatch(RegExClassData& data, StringReference& earlier_message) {
   if (!RequireVector(data)) return false;
   data.Lasterror = kErrorPlugin;
   data.Count = 0;
   std::fill_n(data.Vector, data.VectorSize, 0);
-  ClearErrorMessage(data, released);
+  earlier_message = ClearErrorMessage(data);
   return true;
 }
 
@@ -73,9 +73,10 @@ void StoreResult(RegExClassData& data, int result) {
 // within the library would be another 4 and 2.
 [[gnu::flatten]] HostInteger rb_pcre_exec(RegExClassData& data, REALstringStruct* text,
                                           HostInteger start) {
-  std::optional<rbText::Holdings> former;
+  rbText::Holdings former;
   Released earlier = ClearText(data);
-  if (!BeginMatch(data, earlier) || data.Handle == nullptr) return 0;
+  StringReference message;
+  if (!BeginMatch(data, message) || data.Handle == nullptr) return 0;
   KeepText(data, text, earlier, former);
   return RunHere(data, start);
 }
@@ -83,8 +84,9 @@ void StoreResult(RegExClassData& data, int result) {
 [[gnu::flatten]] HostInteger rb_pcre_execAgain(RegExClassData& data, HostInteger start) {
   data.Lasterror = kErrorPlugin;
   data.Count = 0;
-  Released earlier = ClearLostSubject(data);
-  if (!BeginMatch(data, earlier) || data.Handle == nullptr) return 0;
+  const auto lost = ClearLostSubject(data);
+  StringReference message;
+  if (!BeginMatch(data, message) || data.Handle == nullptr) return 0;
   return RunHere(data, start);
 }
 
@@ -93,7 +95,8 @@ HostInteger rb_pcre_execM(RegExClassData& data, REALmemoryBlockStruct* text, Hos
                           HostInteger ByteLength) {
   constexpr MemoryTexts kTexts{"ExecuteMemory", "text Memoryblock is nil"};
   Released earlier = ClearText(data);
-  if (!BeginMatch(data, earlier) || !RequireBlock(text, kTexts) || data.Handle == nullptr) return 0;
+  StringReference message;
+  if (!BeginMatch(data, message) || !RequireBlock(text, kTexts) || data.Handle == nullptr) return 0;
   if (!KeepMemory(data, text, ByteLength, kTexts.method)) return 0;
   return std::max(RunHere(data, ByteOffset), 0);
 }
@@ -102,9 +105,10 @@ HostInteger rb_pcre_execM(RegExClassData& data, REALmemoryBlockStruct* text, Hos
 // run a program that lets go of it.
 HostInteger rb_pcre_execMT(REALobjectStruct* object, REALstringStruct* text, HostInteger start) {
   RegExClassData& data = DataOf(object);
-  std::optional<rbText::Holdings> former;
+  rbText::Holdings former;
   Released earlier = ClearText(data);
-  if (!BeginMatch(data, earlier) || data.Handle == nullptr) return 0;
+  StringReference message;
+  if (!BeginMatch(data, message) || data.Handle == nullptr) return 0;
   const auto kept_alive = ObjectReference::Share(object);
   KeepText(data, text, earlier, former);
   return RunOnWorker(data, start);
@@ -112,8 +116,9 @@ HostInteger rb_pcre_execMT(REALobjectStruct* object, REALstringStruct* text, Hos
 
 HostInteger rb_pcre_execAgainMT(REALobjectStruct* object, HostInteger start) {
   RegExClassData& data = DataOf(object);
-  Released earlier = ClearLostSubject(data);
-  if (!BeginMatch(data, earlier) || data.Handle == nullptr) return 0;
+  const auto lost = ClearLostSubject(data);
+  StringReference message;
+  if (!BeginMatch(data, message) || data.Handle == nullptr) return 0;
   const auto kept_alive = ObjectReference::Share(object);
   return RunOnWorker(data, start);
 }
@@ -123,7 +128,8 @@ HostInteger rb_pcre_execMMT(REALobjectStruct* object, REALmemoryBlockStruct* tex
   constexpr MemoryTexts kTexts{"ExecuteMemoryMT", "Memoryblock is nil"};
   RegExClassData& data = DataOf(object);
   Released earlier = ClearText(data);
-  if (!BeginMatch(data, earlier) || !RequireBlock(text, kTexts) || data.Handle == nullptr) return 0;
+  StringReference message;
+  if (!BeginMatch(data, message) || !RequireBlock(text, kTexts) || data.Handle == nullptr) return 0;
   if (!KeepMemory(data, text, ByteLength, kTexts.method)) return 0;
   const auto kept_alive = ObjectReference::Share(object);
   return RunOnWorker(data, ByteOffset);

@@ -33,9 +33,9 @@ HostInteger rb_pcre_execMMT(REALobjectStruct* object, REALmemoryBlockStruct* tex
                             HostInteger ByteOffset, HostInteger ByteLength);
 
 // Makes the object ready for a match: no error, no pairs, an empty vector, and no error message,
-// which goes into `released`. False, with the exception raised and nothing else changed, for an
-// object that is not initialised.
-bool BeginMatch(RegExClassData& data, Released& released);
+// which goes into `earlier_message`. False, with the exception raised and nothing else changed, for
+// an object that is not initialised.
+bool BeginMatch(RegExClassData& data, StringReference& earlier_message);
 
 // Puts down what the engine answered: Count from a positive result, Lasterror from a negative one.
 void StoreResult(RegExClassData& data, int result);

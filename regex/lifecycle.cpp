@@ -37,8 +37,8 @@ void RegExConstructor(RegExClassData& data, HostInteger VecSize) {
 
 // The references go last, when the record is empty.
 void RegExDestructor(RegExClassData& data) {
-  Released released = ClearText(data);
-  ClearErrorMessage(data, released);
+  const Released subject = ClearText(data);
+  const StringReference message = ClearErrorMessage(data);
   ClearPattern(data);
   std::free(std::exchange(data.Vector, nullptr));
   data.VectorSize = 0;

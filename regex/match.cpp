@@ -87,9 +87,9 @@ int Search(RegExClassData& data, REALstringStruct* string) {
 // lost, which then counts as empty.
 template <typename Getter, typename Array>
 _REALarrayString* MatchArray(RegExClassData& data, Array* array, HostBoolean inverse) {
-  Released earlier = ClearText(data);
+  const Released earlier = ClearText(data);
   if (!RequireVector(data)) return nullptr;
-  ClearErrorMessage(data, earlier);
+  const StringReference message = ClearErrorMessage(data);
   ResultArray result;
   if (data.Handle == nullptr || array == nullptr) return result.Take();
   const std::int64_t upper_bound = REALGetArrayUBound(array);
@@ -108,8 +108,9 @@ _REALarrayString* MatchArray(RegExClassData& data, Array* array, HostBoolean inv
 }  // namespace
 
 [[gnu::flatten]] HostBoolean Match(RegExClassData& data, REALstringStruct* text) {
-  Released earlier = ClearText(data);
-  if (!BeginMatch(data, earlier) || data.Handle == nullptr) return false;
+  const Released earlier = ClearText(data);
+  StringReference message;
+  if (!BeginMatch(data, message) || data.Handle == nullptr) return false;
   StoreResult(data, Search(data, text));
   return data.Count > 0;
 }

@@ -105,7 +105,7 @@ REALstringStruct* ReplaceMatch(RegExClassData& data, REALstringStruct* new_text,
       data.Lasterror = 0;
       return nullptr;
     }
-    const Released lost = ClearLostSubject(data);
+    const auto lost = ClearLostSubject(data);
     const MatchResult match = LastMatch(data);
     const auto around = selection_only ? Surroundings{} : Around(match);
     return around ? BuildReplacement(match, bytes, *around) : nullptr;

@@ -92,7 +92,7 @@ HostInteger GetOffset(RegExClassData& data, HostInteger index) {
 HostInteger GetOffsetChar(RegExClassData& data, HostInteger index) {
   const std::optional<std::int32_t> offset = EntryAt(data, index, "OffsetCharacters");
   if (offset.value_or(0) < 1) return 0;
-  const Released lost = ClearLostSubject(data);
+  const auto lost = ClearLostSubject(data);
   SubjectBytes* const subject = SubjectOf(data);
   if (subject == nullptr || data.TextPointer == nullptr) return 0;
   return static_cast<HostInteger>(
@@ -103,7 +103,7 @@ HostInteger GetOffsetChar(RegExClassData& data, HostInteger index) {
 // 2 and 4.
 [[gnu::flatten]] REALstringStruct* rb_pcre_get_substringI(RegExClassData& data, HostInteger index) {
   if (!BeginSubstring(data)) return nullptr;
-  const Released lost = ClearLostSubject(data);
+  const auto lost = ClearLostSubject(data);
   return BuildSubstring(data, index);
 }
 
@@ -112,7 +112,7 @@ HostInteger GetOffsetChar(RegExClassData& data, HostInteger index) {
   if (!BeginSubstring(data)) return nullptr;
   rbText text(name);
   const char* const bytes = text.UTF8().data();
-  const Released lost = ClearLostSubject(data);
+  const auto lost = ClearLostSubject(data);
   const int group = FindGroup(data, bytes);
   if (group >= 0) return BuildSubstring(data, group);
   data.Lasterror = group;

@@ -18,8 +18,8 @@ void PointAt(RegExClassData& data, std::string_view bytes) {
 }
 
 // Reading what the host holds may run the program as well, and that may have kept a subject since.
-Released ClearKeptMeanwhile(RegExClassData& data) {
-  if (data.TextAdapter == nullptr && data.MemoryAdapter == nullptr) return {};
+std::optional<Released> ClearKeptMeanwhile(RegExClassData& data) {
+  if (data.TextAdapter == nullptr && data.MemoryAdapter == nullptr) return std::nullopt;
   return ClearText(data);
 }
 
@@ -35,19 +35,19 @@ Released ClearText(RegExClassData& data) {
   return released;
 }
 
-Released ClearLostSubject(RegExClassData& data) {
-  if (data.MemoryAdapter == nullptr || data.MemoryAdapter->HoldsSubject()) return {};
+std::optional<Released> ClearLostSubject(RegExClassData& data) {
+  if (data.MemoryAdapter == nullptr || data.MemoryAdapter->HoldsSubject()) return std::nullopt;
   return ClearText(data);
 }
 
-void ClearErrorMessage(RegExClassData& data, Released& released) {
-  released.error_message = StringReference::Adopt(std::exchange(data.ErrorMessage, nullptr));
+StringReference ClearErrorMessage(RegExClassData& data) {
+  return StringReference::Adopt(std::exchange(data.ErrorMessage, nullptr));
 }
 
 // The adapter holds a reference of its own, and the one in Text is what the script sees: both are
 // part of what the host expects.
 void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier,
-              std::optional<rbText::Holdings>& former) {
+              rbText::Holdings& former) {
   std::unique_ptr<rbText> adapter = std::move(earlier.text_adapter);
   StringReference kept;
   if (text != nullptr && text == earlier.text.get() && adapter->StillReads(text)) {
@@ -61,7 +61,7 @@ void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier,
     kept = StringReference::Share(text);
   }
   const std::string_view bytes = adapter->UTF8();
-  const Released meanwhile = ClearKeptMeanwhile(data);
+  const auto meanwhile = ClearKeptMeanwhile(data);
   PointAt(data, bytes);
   data.TextAdapter = adapter.release();
   data.Text = kept.Take();
@@ -79,7 +79,7 @@ bool KeepMemory(RegExClassData& data, REALmemoryBlockStruct* block, std::int32_t
   }
   adapter->SelectSubject(static_cast<std::size_t>(length >= 1 ? length : size));
   auto kept = BlockReference::Share(block);
-  const Released meanwhile = ClearKeptMeanwhile(data);
+  const auto meanwhile = ClearKeptMeanwhile(data);
   PointAt(data, adapter->subject().bytes());
   data.MemoryAdapter = adapter.release();
   data.TextMemory = kept.Take();

@@ -27,7 +27,6 @@ struct Released {
   std::unique_ptr<rbText> text_adapter;
   BlockReference memory;
   StringReference text;
-  StringReference error_message;
 };
 
 // Leaves the record without a subject. Numbers of the last match, the pattern and its study block
@@ -36,17 +35,17 @@ struct Released {
 
 // The same for a memory block that no longer holds the subject's bytes where they were, and for no
 // other subject. Called before a kept subject is used again.
-[[nodiscard]] Released ClearLostSubject(RegExClassData& data);
+[[nodiscard]] std::optional<Released> ClearLostSubject(RegExClassData& data);
 
-// Takes the error message out of the record as well.
-void ClearErrorMessage(RegExClassData& data, Released& released);
+// Takes the error message out of the record.
+[[nodiscard]] StringReference ClearErrorMessage(RegExClassData& data);
 
 // Keeps a text as the subject of a record that has none. Where it is the very string that was kept
 // before, its adapter goes on, with all that is known about the bytes: programs walk through a text
 // by naming it at every step. Otherwise the adapter goes over to the new text, which saves 7 ns
 // of allocation; what it held is in `former` then. Throws std::bad_alloc, and keeps nothing.
 void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier,
-              std::optional<rbText::Holdings>& former);
+              rbText::Holdings& former);
 
 // Keeps the first `length` bytes of a block, or all of it for a length below 1. False, with
 // "OutOfBoundsException" raised for that method and nothing kept, where the block is shorter.

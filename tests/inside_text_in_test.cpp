@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <optional>
 #include <string_view>
 
 #include "host/state.h"
@@ -36,7 +35,7 @@ TEST(TextIn, DataThatTheHostDoesNotGiveIsNotThatOfTheTextBefore) {
   const Value second = host.String("\xC3\xA9");
   zrk::rbText text(static_cast<zrk::REALstringStruct*>(first.handle()));
   EXPECT_EQ(text.UTF8(), "été");
-  std::optional<zrk::rbText::Holdings> former;
+  zrk::rbText::Holdings former;
   text.GoOverTo(static_cast<zrk::REALstringStruct*>(second.handle()), former);
   EXPECT_EQ(text.UTF8(), "");
 }

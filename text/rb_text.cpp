@@ -32,6 +32,17 @@ bool FitsWithTerminator(std::string_view text) {
   return text.size() <= INT32_MAX - kTerminatorBytes;
 }
 
+// The engine's users rely on a zero byte after the text; where the host gave none, a copy has it. A
+// copy that cannot be had reads as empty.
+std::string_view Terminated(std::string_view text, std::unique_ptr<char[]>& copy) {
+  if (text.data()[text.size()] == '\0') return text;
+  if (!FitsWithTerminator(text)) return kEmptyText;
+  copy.reset(new (std::nothrow) char[text.size() + kTerminatorBytes]());
+  if (copy == nullptr) return kEmptyText;
+  std::copy(text.begin(), text.end(), copy.get());
+  return {copy.get(), text.size()};
+}
+
 // The usual ones first: every subject is asked.
 bool IsSingleByteFamily(std::uint32_t encoding) {
   return encoding == kEncodingUTF8 || encoding == kEncodingASCII || encoding == kEncodingMacRoman ||
@@ -48,9 +59,12 @@ void rbText::Read() {
   }
 }
 
-void rbText::GoOverTo(REALstringStruct* string, std::optional<Holdings>& former) {
-  former.emplace(std::move(held_));
-  held_.source = StringReference::Share(string);
+void rbText::GoOverTo(REALstringStruct* string, Holdings& former) {
+  if (held_.conversion) {
+    former.conversion.emplace(*std::move(held_.conversion));
+    held_.conversion.reset();
+  }
+  former.source = std::exchange(held_.source, StringReference::Share(string));
   form_ = SubjectBytes();
   converted_ = false;
   Read();
@@ -87,37 +101,28 @@ bool rbText::ShareASCII() {
   return true;
 }
 
-void rbText::ConvertUTF8() { SetForm(Terminated(FetchUTF8())); }
+void rbText::ConvertUTF8() {
+  Conversion& made = held_.conversion.emplace();
+  SetForm(Terminated(FetchUTF8(made), made.terminated_copy));
+}
 
 // The text as host memory holds it; empty where the host cannot convert it.
-std::string_view rbText::FetchUTF8() {
-  const REALstringStruct* const source = held_.source.get();
+std::string_view rbText::FetchUTF8(Conversion& made) const {
+  REALstringStruct* const source = held_.source.get();
   const bool readable = !HostIsAtLeast(kHostHidesItsRecords) &&
                         (source->Encoding == kEncodingUTF8 || source->Encoding == kEncodingASCII);
   if (readable) return TextOf(source);
-  if (HostIsAtLeast(kHostConvertsOnRequest)) return FetchStringData();
-  held_.converted_string =
-      StringReference::Adopt(REALConvertString(held_.source.get(), kEncodingUTF8));
-  return held_.converted_string.get() != nullptr ? TextOf(held_.converted_string.get())
-                                                 : kEmptyText;
+  if (HostIsAtLeast(kHostConvertsOnRequest)) return FetchStringData(made.string_data);
+  made.converted_string = StringReference::Adopt(REALConvertString(source, kEncodingUTF8));
+  const REALstringStruct* const converted = made.converted_string.get();
+  return converted != nullptr ? TextOf(converted) : kEmptyText;
 }
 
-std::string_view rbText::FetchStringData() {
-  REALstringData& data = held_.string_data.record;
-  held_.string_data.filled = REALGetStringData(held_.source.get(), kEncodingUTF8, &data) != 0;
-  if (!held_.string_data.filled || data.Data == nullptr || data.Length < 0) return kEmptyText;
+std::string_view rbText::FetchStringData(StringData& made) const {
+  REALstringData& data = made.record;
+  made.filled = REALGetStringData(held_.source.get(), kEncodingUTF8, &data) != 0;
+  if (!made.filled || data.Data == nullptr || data.Length < 0) return kEmptyText;
   return {data.Data, static_cast<std::size_t>(data.Length)};
-}
-
-// The engine's users rely on a zero byte after the text; where the host gave none, a copy has it. A
-// copy that cannot be had reads as empty.
-std::string_view rbText::Terminated(std::string_view text) {
-  if (text.data()[text.size()] == '\0') return text;
-  if (!FitsWithTerminator(text)) return kEmptyText;
-  held_.terminated_copy.reset(new (std::nothrow) char[text.size() + kTerminatorBytes]());
-  if (held_.terminated_copy == nullptr) return kEmptyText;
-  std::copy(text.begin(), text.end(), held_.terminated_copy.get());
-  return {held_.terminated_copy.get(), text.size()};
 }
 
 }  // namespace zrk

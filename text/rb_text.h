@@ -18,26 +18,29 @@ namespace zrk {
 
 class rbText {
  public:
-  // What an adapter holds for its string. Released from the last one up: the string first, and last
-  // the copy, as hosts expect it.
-  struct Holdings {
+  // What a text that had to be converted needs besides its string.
+  struct Conversion {
     std::unique_ptr<char[]> terminated_copy;
     StringData string_data;
     StringReference converted_string;
+  };
+  // What an adapter holds. Released from the last one up, also within: the string first, and last
+  // the copy, as hosts expect it.
+  struct Holdings {
+    std::optional<Conversion> conversion;  // none for ASCII text
     StringReference source;
   };
 
   // Takes a reference of its own; null reads as the empty string and asks nothing of the host.
-  explicit rbText(REALstringStruct* string)
-      : held_{nullptr, {}, {}, StringReference::Share(string)} {
+  explicit rbText(REALstringStruct* string) : held_{std::nullopt, StringReference::Share(string)} {
     Read();
   }
   rbText(const rbText&) = delete;
   rbText& operator=(const rbText&) = delete;
 
   // Goes over to another string, as if made for it. What was held for the one before goes to
-  // `former`: giving it back can run the program, so the caller says when.
-  void GoOverTo(REALstringStruct* string, std::optional<Holdings>& former);
+  // `former`, which holds nothing: giving it back can run the program, so the caller says when.
+  void GoOverTo(REALstringStruct* string, Holdings& former);
 
   // Whether what was read is still what this string holds: strings do not change, but a script may
   // have declared another encoding for this very one. `string` is the one that the adapter is for.
@@ -56,15 +59,14 @@ class rbText {
   }
 
  private:
-  // What ASCII text never needs is kept out of line: the rest is inlined where scripts call most.
+  // Few texts need this, so it stays out of line where scripts call most.
   [[gnu::noinline]] void ReadUnknownEncoding();
-  [[gnu::noinline]] void ConvertUTF8();
+  void ConvertUTF8();
   void Read();
   void ReadSource();
   bool ShareASCII();
-  std::string_view FetchUTF8();
-  std::string_view FetchStringData();
-  std::string_view Terminated(std::string_view text);
+  std::string_view FetchUTF8(Conversion& made) const;
+  std::string_view FetchStringData(StringData& made) const;
   void SetForm(std::string_view bytes, bool are_ascii = false) {
     form_.Set(bytes, are_ascii);
     converted_ = true;

@@ -51,7 +51,7 @@ class SubjectBytes {
     if (safety_ == Safety::kUnknown) LookForUnsafeBytes();
     return safety_ != Safety::kUnsafe;
   }
-  [[gnu::noinline]] void LookForUnsafeBytes();
+  void LookForUnsafeBytes();
   std::string_view CopyForUncheckedEngine();
   CharacterPosition LastKnown(std::size_t offset) const;
 

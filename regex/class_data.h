@@ -16,8 +16,8 @@
 
 namespace zrk {
 
-class rbData;
-class rbText;
+struct KeptBlock;
+struct KeptText;
 
 // Lasterror of an operation that never reached the engine; the engine's own codes are negative too,
 // and 0 is success.
@@ -36,8 +36,8 @@ struct RegExClassData {
   REALstringStruct* Text;             // one reference
   REALstringStruct* ErrorMessage;     // one reference
   REALmemoryBlockStruct* TextMemory;  // one reference
-  rbText* TextAdapter;                // owned; the UTF-8 form of Text
-  rbData* MemoryAdapter;              // owned; the bytes of TextMemory
+  KeptText* TextAdapter;              // owned; the UTF-8 form of Text
+  KeptBlock* MemoryAdapter;           // owned; the bytes of TextMemory
   pcre* Handle;                       // owned, freed through pcre_free
   pcre_extra* StudyExtra;             // owned, freed with pcre_free_study
   const char* TextPointer;            // the subject: into one of the adapters

@@ -70,7 +70,8 @@ HostBoolean CompileText(RegExClassData& data, const char* pattern) {
   const char* error_text = nullptr;
   int error_offset = 0;
   const int options = OptionsFor(data, pattern);
-  ClearPattern(data);  // reading the pattern may have run the program, which may have compiled one
+  // Reading the pattern may have run the program, which may have compiled one and searched with it.
+  const Forgotten meanwhile = ForgetPattern(data);
   RunWithStack(std::string_view(pattern).size(), [&] {
     data.Handle = pcre_compile2(pattern, options, &error_code, &error_text, &error_offset, nullptr);
   });

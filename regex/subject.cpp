@@ -48,13 +48,13 @@ StringReference ClearErrorMessage(RegExClassData& data) {
 // part of what the host expects.
 void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier,
               rbText::Holdings& former) {
-  std::unique_ptr<rbText> adapter = std::move(earlier.text_adapter);
+  std::unique_ptr<KeptText> adapter = std::move(earlier.text_adapter);
   StringReference kept;
   if (text != nullptr && text == earlier.text.get() && adapter->StillReads(text)) {
     kept = std::move(earlier.text);
   } else {
     if (adapter == nullptr) {
-      adapter = std::make_unique<rbText>(text);
+      adapter = std::make_unique<KeptText>(text);
     } else {
       adapter->GoOverTo(text, former);
     }
@@ -63,6 +63,7 @@ void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier,
   const std::string_view bytes = adapter->UTF8();
   const auto meanwhile = ClearKeptMeanwhile(data);
   PointAt(data, bytes);
+  adapter->names.reset();  // the program may have compiled another pattern
   data.TextAdapter = adapter.release();
   data.Text = kept.Take();
 }
@@ -70,7 +71,7 @@ void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier,
 // A block without memory is kept as well: the engine answers for it that there is no subject.
 bool KeepMemory(RegExClassData& data, REALmemoryBlockStruct* block, std::int32_t length,
                 const char* method) {
-  auto adapter = std::make_unique<rbData>(block);
+  auto adapter = std::make_unique<KeptBlock>(block);
   const std::string_view bytes = adapter->bytes();
   const auto size = static_cast<std::int32_t>(bytes.size());
   if (bytes.data() != nullptr && length > size) {

@@ -14,17 +14,28 @@
 #include "host/references.h"
 #include "regex/class_data.h"
 #include "regex/match_result.h"
+#include "regex/name_table.h"
 #include "text/rb_data.h"
 #include "text/rb_text.h"
 
 namespace zrk {
 
+// A kept subject's adapter, and what is known about the pattern as long as both are kept.
+struct KeptText : rbText {
+  using rbText::rbText;
+  std::optional<NameTable> names;
+};
+struct KeptBlock : rbData {
+  using rbData::rbData;
+  std::optional<NameTable> names;
+};
+
 // What a call takes out of a record, to be given back when the call ends. Giving back the last
 // reference can run the program (a destructor in the host), which may use the same object: by then
 // its record is in its new state.
 struct Released {
-  std::unique_ptr<rbData> memory_adapter;
-  std::unique_ptr<rbText> text_adapter;
+  std::unique_ptr<KeptBlock> memory_adapter;
+  std::unique_ptr<KeptText> text_adapter;
   BlockReference memory;
   StringReference text;
 };
@@ -57,6 +68,12 @@ bool KeepMemory(RegExClassData& data, REALmemoryBlockStruct* block, std::int32_t
 inline SubjectBytes* SubjectOf(const RegExClassData& data) {
   if (data.TextAdapter != nullptr) return &data.TextAdapter->UTF8Subject();
   return data.MemoryAdapter != nullptr ? &data.MemoryAdapter->subject() : nullptr;
+}
+
+// Where the pattern's names are kept with the subject; null where none is kept.
+inline std::optional<NameTable>* KeptNames(const RegExClassData& data) {
+  if (data.TextAdapter != nullptr) return &data.TextAdapter->names;
+  return data.MemoryAdapter != nullptr ? &data.MemoryAdapter->names : nullptr;
 }
 
 // The object's last match over its kept subject. The object must have its vector.

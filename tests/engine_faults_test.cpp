@@ -54,19 +54,23 @@ TEST(EngineFaults, LeaveNamesAndFactsOut) {
   const Object regex = session.Compiled("(?<first>a)");
   const std::string version = Show(pcre_version());
   const std::pair<int, std::string> rows[] = {
-      {kNothing, "\"first\", 1 err=0, " + version},
-      {PCRE_INFO_CAPTURECOUNT, "nil, 0 err=-4, " + version},
-      {PCRE_INFO_NAMECOUNT, "nil, 1 err=0, " + version},
-      {PCRE_INFO_NAMEENTRYSIZE, "nil, 1 err=0, " + version},
-      {PCRE_INFO_NAMETABLE, "nil, 1 err=0, " + version},
-      {kVersion, "\"first\", 1 err=0, nil"},
+      {kNothing, "\"first\", \"a\" err=0, 1 err=0, " + version},
+      {PCRE_INFO_CAPTURECOUNT, "nil, \"a\" err=0, 0 err=-4, " + version},
+      {PCRE_INFO_NAMECOUNT, "nil, nil err=-7, 1 err=0, " + version},
+      {PCRE_INFO_NAMEENTRYSIZE, "nil, nil err=-7, 1 err=0, " + version},
+      {PCRE_INFO_NAMETABLE, "nil, nil err=-7, 1 err=0, " + version},
+      {kVersion, "\"first\", \"a\" err=0, 1 err=0, nil"},
   };
   for (const auto& [what, answers] : rows) {
     SCOPED_TRACE(testing::Message() << "refused: " << what);
     refused = what;
+    regex.Call("Execute", {"a"});
     const Value name = regex.Call("InfoNameEntry", {1});
+    const std::string group = Try(regex, "Substring", {"first"});
     const Outcome count{regex.Get("InfoCaptureCount"), {}};
-    EXPECT_EQ(Show(name) + ", " + Show(regex, count) + ", " + Show(regex.Call("Version")), answers);
+    EXPECT_EQ(
+        Show(name) + ", " + group + ", " + Show(regex, count) + ", " + Show(regex.Call("Version")),
+        answers);
   }
   refused = kNothing;
 }

@@ -76,4 +76,33 @@ TEST(Reentry, LeavesOneSubjectAndNothingLost) {
   EXPECT_EQ(runs.size(), kInner.size() * std::size(kServices)) << testing::PrintToString(runs);
 }
 
+// What the program finds by a group's name, in the midst of it and afterwards.
+TEST(Reentry, FindsTheNamesOfThePatternThatIsThere) {
+  struct Row {
+    const char* method;
+    const char* argument;
+    const char* afterwards;
+  };
+  const Row rows[] = {{"Execute", "éb", "\"b\" err=0"}, {"Compile", "(é)?(?<o>b)", "nil err=-7"}};
+  for (const auto& [method, argument, afterwards] : rows) {
+    SCOPED_TRACE(method);
+    Session session;
+    const Object regex = Prepared(session);
+    regex.Call("Substring", {"n"});
+    std::string within;
+    session.host.SetFault("PluginGetStringData", {.before = [&] {
+                            session.host.SetFault("PluginGetStringData", {});
+                            regex.Call("Compile", {"(?<m>c)|(?<o>b)"});
+                            regex.Call("Execute", {"b"});
+                            within = Try(regex, "Substring", {"o"});
+                          }});
+    regex.Call(method, {argument});
+    EXPECT_EQ(within, "\"b\" err=0");
+    EXPECT_EQ(regex.Get("Text").IsNil(), std::string("Compile") == method)
+        << "the pattern has another subject";
+    EXPECT_EQ(Try(regex, "Substring", {"o"}), afterwards);
+    EXPECT_EQ(Try(regex, "Substring", {"n"}), "nil err=-7");
+  }
+}
+
 }  // namespace

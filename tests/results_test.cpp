@@ -92,7 +92,7 @@ TEST(Groups, AreReadByNumberAndByName) {
   const std::string sixteen = Repeated("(.)", 16);
   const std::string named = "(?<first>a)(b)?(?<third>c)";
   const std::string alike = "(?J)(?<n>a)|(?<n>b)|(?<n>c)";
-  const std::string alike_behind = "(?J)" + Repeated("(.)", 17) + "(?<n>.)(?<n>.)";
+  const std::string alike_behind = "(?J)" + Repeated("()", 30) + "(?<n>.)(?<n>.)";
   const std::string high = Repeated("()", 299) + "(?<n>a)";  // a number of two bytes
   OnEachHost([&](Session& session) {
     EXPECT_EQ(Try(session.Compiled("b"), "Substring", {0}), "nil err=0") << "no match yet";
@@ -124,6 +124,8 @@ TEST(Groups, AreReadByNumberAndByName) {
         {alike, "x", "Substring", "n", "nil err=0"},
         {"(?J)x(?:(?<n>a)|(?<n>b))?", "x", "Substring", "n", "nil err=-7"},
         {alike_behind, letters, "Substring", "n", "nil err=-7"},
+        {"(?J)(?<m>x)(?:(?<n>a)|(?<n>b))?(?<o>y)", "xy", "Substring", "n", "nil err=-7"},
+        {"(?J)(?<m>x)(?<n>a)?(?<o>y)", "xy", "Substring", "n", "nil err=0"},
         // Lasterror stays.
         {named, "x", "InfoNameEntry", 0, "nil err=-1"},
         {named, "x", "InfoNameEntry", 1, "\"first\" err=-1"},
@@ -143,6 +145,32 @@ TEST(Groups, AreReadByNumberAndByName) {
       if (regex.Call("Compile", {row.pattern}).Boolean()) regex.Call("Execute", {row.subject});
       EXPECT_EQ(Try(regex, row.method, {row.group}), row.expected)
           << row.pattern << ' ' << row.method << ' ' << row.group.Describe();
+    }
+  });
+}
+
+// A kept subject remembers the pattern's names; the next subject or pattern has its own.
+TEST(Groups, HaveTheNamesOfThePatternAtHand) {
+  OnEachHost([](Session& session) {
+    const Object regex = session.New();
+    const std::pair<const char*, Value> subjects[] = {
+        {"Execute", "ab"}, {"ExecuteMemory", session.host.MemoryBlock("ab")}};
+    for (const auto& [method, subject] : subjects) {
+      SCOPED_TRACE(method);
+      regex.Call("Compile", {"(?<n>a)(?<m>b)"});
+      regex.Call(method, {subject});
+      EXPECT_EQ(Try(regex, "Substring", {"n"}), "\"a\" err=0");
+      EXPECT_EQ(Try(regex, "Substring", {"m"}), "\"b\" err=0");
+      regex.Call("Compile", {"(?<m>a)(?<k>b)"});
+      EXPECT_EQ(Try(regex, "Substring", {"m"}), "nil err=-7") << "no subject";
+      regex.Call(method, {subject});
+      EXPECT_EQ(Try(regex, "Substring", {"m"}), "\"a\" err=0");
+      EXPECT_EQ(Try(regex, "Substring", {"n"}), "nil err=-7");
+      regex.Set("CompileOptionDuplicateNames", true);
+      regex.Call("Compile", {"(?<n>a)(?<n>x)?(?<o>b)"});
+      regex.Call(method, {subject});
+      EXPECT_EQ(Try(regex, "Substring", {"n"}), "\"a\" err=0");
+      regex.Set("CompileOptionDuplicateNames", false);
     }
   });
 }

@@ -35,8 +35,11 @@ Released ClearText(RegExClassData& data) {
   return released;
 }
 
+// Asking where the block is may run the program, too.
 std::optional<Released> ClearLostSubject(RegExClassData& data) {
-  if (data.MemoryAdapter == nullptr || data.MemoryAdapter->HoldsSubject()) return std::nullopt;
+  const KeptBlock* const adapter = data.MemoryAdapter;
+  if (adapter == nullptr || adapter->HoldsSubject()) return std::nullopt;
+  if (data.MemoryAdapter != adapter) return std::nullopt;
   return ClearText(data);
 }
 

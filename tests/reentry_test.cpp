@@ -105,4 +105,20 @@ TEST(Reentry, FindsTheNamesOfThePatternThatIsThere) {
   }
 }
 
+TEST(Reentry, AskingForABlockLeavesTheSubjectThatTheProgramKeptThere) {
+  for (const char* const service : {"memoryBlockGetSize", "memoryBlockGetPtr"}) {
+    SCOPED_TRACE(service);
+    Session session;
+    const Object regex = Prepared(session);
+    const Value block = session.host.MemoryBlock("abc b");
+    regex.Call("ExecuteMemory", {block});
+    session.host.SetFault(service, {.before = [&] {
+                            session.host.SetFault(service, {});
+                            regex.Call("Execute", {"xbx"});
+                          }});
+    EXPECT_EQ(Try(regex, "Substring", {"n"}), "\"x\" err=0");
+    EXPECT_EQ(regex.Get("Text").UTF8(), "xbx");
+  }
+}
+
 }  // namespace

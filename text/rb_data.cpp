@@ -25,9 +25,11 @@ rbData::rbData(REALmemoryBlockStruct* block) : block_(BlockReference::Share(bloc
   if (block != nullptr) bytes_ = BytesOf(block);
 }
 
+// Read first: a host that runs the program when it is asked may end this adapter.
 bool rbData::HoldsSubject() const {
+  const std::string_view subject = subject_.bytes();
   const std::string_view now = BytesOf(block_.get());
-  return now.data() == bytes_.data() && now.size() >= subject_.bytes().size();
+  return now.data() == subject.data() && now.size() >= subject.size();
 }
 
 }  // namespace zrk

@@ -61,7 +61,12 @@ void ExpectAllSpellingsToRead(Session& session) {
     const std::string expected = DescribeDirectly(kAll, spelling.utf8);
     const auto requests = session.host.Calls("PluginGetStringData");
     const auto strings = session.host.Calls("REALConvertString");
-    EXPECT_EQ(Describe(whole, whole.Call("Execute", {text}).Integer()), expected);
+    const auto built = session.host.Calls("REALBuildString");
+    const int result = whole.Call("Execute", {text}).Integer();
+    const bool rebuilt =
+        spelling.encoding == zrk::kEncodingUnknown && spelling.bytes != spelling.utf8;
+    EXPECT_EQ(session.host.Calls("REALBuildString") - built, rebuilt ? 1U : 0U);
+    EXPECT_EQ(Describe(whole, result), expected);
     EXPECT_EQ(whole.Call("Execute", {0}).Integer(), 1);
     const char how = spelling.conversions[version < 2012 ? 0 : version < 2017 ? 1 : 2];
     EXPECT_EQ(session.host.Calls("PluginGetStringData") - requests, how == 'R' ? 1U : 0U);

@@ -16,8 +16,10 @@
 
 namespace zrk {
 
-struct KeptBlock;
-struct KeptText;
+class rbData;
+class rbText;
+template <typename Adapter>
+struct Kept;
 
 // Lasterror of an operation that never reached the engine; the engine's own codes are negative too,
 // and 0 is success.
@@ -36,8 +38,8 @@ struct RegExClassData {
   REALstringStruct* Text;             // one reference
   REALstringStruct* ErrorMessage;     // one reference
   REALmemoryBlockStruct* TextMemory;  // one reference
-  KeptText* TextAdapter;              // owned; the UTF-8 form of Text
-  KeptBlock* MemoryAdapter;           // owned; the bytes of TextMemory
+  Kept<rbText>* TextAdapter;          // owned; the UTF-8 form of Text
+  Kept<rbData>* MemoryAdapter;        // owned; the bytes of TextMemory
   pcre* Handle;                       // owned, freed through pcre_free
   pcre_extra* StudyExtra;             // owned, freed with pcre_free_study
   const char* TextPointer;            // the subject: into one of the adapters

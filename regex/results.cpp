@@ -48,10 +48,13 @@ REALstringStruct* BuildSubstring(RegExClassData& data, HostInteger index) {
 
 // The pattern's names. They are read once for a kept subject: a compile lets go of that too.
 NameTable NamesOf(const RegExClassData& data) {
-  std::optional<NameTable>* const kept = KeptNames(data);
-  if (kept == nullptr) return NameTable(data.Handle);
-  if (!*kept) kept->emplace(data.Handle);
-  return **kept;
+  const auto read_once = [&](std::optional<NameTable>& names) {
+    if (!names) names.emplace(data.Handle);
+    return *names;
+  };
+  if (data.TextAdapter != nullptr) return read_once(data.TextAdapter->names);
+  if (data.MemoryAdapter != nullptr) return read_once(data.MemoryAdapter->names);
+  return NameTable(data.Handle);
 }
 
 }  // namespace

@@ -37,9 +37,8 @@ Released ClearText(RegExClassData& data) {
 
 // Asking where the block is may run the program, too.
 std::optional<Released> ClearLostSubject(RegExClassData& data) {
-  const KeptBlock* const adapter = data.MemoryAdapter;
-  if (adapter == nullptr || adapter->HoldsSubject()) return std::nullopt;
-  if (data.MemoryAdapter != adapter) return std::nullopt;
+  const Kept<rbData>* const adapter = data.MemoryAdapter;
+  if (adapter == nullptr || adapter->HoldsSubject() || data.MemoryAdapter != adapter) return {};
   return ClearText(data);
 }
 
@@ -51,13 +50,13 @@ StringReference ClearErrorMessage(RegExClassData& data) {
 // part of what the host expects.
 void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier,
               rbText::Holdings& former) {
-  std::unique_ptr<KeptText> adapter = std::move(earlier.text_adapter);
+  std::unique_ptr<Kept<rbText>> adapter = std::move(earlier.text_adapter);
   StringReference kept;
   if (text != nullptr && text == earlier.text.get() && adapter->StillReads(text)) {
     kept = std::move(earlier.text);
   } else {
     if (adapter == nullptr) {
-      adapter = std::make_unique<KeptText>(text);
+      adapter = std::make_unique<Kept<rbText>>(text);
     } else {
       adapter->GoOverTo(text, former);
     }
@@ -74,7 +73,7 @@ void KeepText(RegExClassData& data, REALstringStruct* text, Released& earlier,
 // A block without memory is kept as well: the engine answers for it that there is no subject.
 bool KeepMemory(RegExClassData& data, REALmemoryBlockStruct* block, std::int32_t length,
                 const char* method) {
-  auto adapter = std::make_unique<KeptBlock>(block);
+  auto adapter = std::make_unique<Kept<rbData>>(block);
   const std::string_view bytes = adapter->bytes();
   const auto size = static_cast<std::int32_t>(bytes.size());
   if (bytes.data() != nullptr && length > size) {

@@ -21,12 +21,9 @@
 namespace zrk {
 
 // A kept subject's adapter, and what is known about the pattern as long as both are kept.
-struct KeptText : rbText {
-  using rbText::rbText;
-  std::optional<NameTable> names;
-};
-struct KeptBlock : rbData {
-  using rbData::rbData;
+template <typename Adapter>
+struct Kept : Adapter {
+  using Adapter::Adapter;
   std::optional<NameTable> names;
 };
 
@@ -34,8 +31,8 @@ struct KeptBlock : rbData {
 // reference can run the program (a destructor in the host), which may use the same object: by then
 // its record is in its new state.
 struct Released {
-  std::unique_ptr<KeptBlock> memory_adapter;
-  std::unique_ptr<KeptText> text_adapter;
+  std::unique_ptr<Kept<rbData>> memory_adapter;
+  std::unique_ptr<Kept<rbText>> text_adapter;
   BlockReference memory;
   StringReference text;
 };
@@ -68,12 +65,6 @@ bool KeepMemory(RegExClassData& data, REALmemoryBlockStruct* block, std::int32_t
 inline SubjectBytes* SubjectOf(const RegExClassData& data) {
   if (data.TextAdapter != nullptr) return &data.TextAdapter->UTF8Subject();
   return data.MemoryAdapter != nullptr ? &data.MemoryAdapter->subject() : nullptr;
-}
-
-// Where the pattern's names are kept with the subject; null where none is kept.
-inline std::optional<NameTable>* KeptNames(const RegExClassData& data) {
-  if (data.TextAdapter != nullptr) return &data.TextAdapter->names;
-  return data.MemoryAdapter != nullptr ? &data.MemoryAdapter->names : nullptr;
 }
 
 // The object's last match over its kept subject. The object must have its vector.

@@ -90,16 +90,17 @@ TEST(Reentry, FindsTheNamesOfThePatternThatIsThere) {
     const Object regex = Prepared(session);
     regex.Call("Substring", {"n"});
     std::string within;
-    session.host.SetFault("PluginGetStringData", {.before = [&] {
-                            session.host.SetFault("PluginGetStringData", {});
-                            regex.Call("Compile", {"(?<m>c)|(?<o>b)"});
-                            regex.Call("Execute", {"b"});
-                            within = Try(regex, "Substring", {"o"});
-                          }});
+    const standin::Fault run_program{.before = [&] {
+      session.host.SetFault("PluginGetStringData", {});
+      regex.Call("Compile", {"(?<m>c)|(?<o>b)"});
+      regex.Call("Execute", {"b"});
+      within = Try(regex, "Substring", {"o"});
+    }};
+    session.host.SetFault("PluginGetStringData", run_program);
     regex.Call(method, {argument});
     EXPECT_EQ(within, "\"b\" err=0");
     EXPECT_EQ(regex.Get("Text").IsNil(), std::string("Compile") == method)
-        << "the pattern has another subject";
+        << "a compile lets go of it";
     EXPECT_EQ(Try(regex, "Substring", {"o"}), afterwards);
     EXPECT_EQ(Try(regex, "Substring", {"n"}), "nil err=-7");
   }
@@ -112,10 +113,11 @@ TEST(Reentry, AskingForABlockLeavesTheSubjectThatTheProgramKeptThere) {
     const Object regex = Prepared(session);
     const Value block = session.host.MemoryBlock("abc b");
     regex.Call("ExecuteMemory", {block});
-    session.host.SetFault(service, {.before = [&] {
-                            session.host.SetFault(service, {});
-                            regex.Call("Execute", {"xbx"});
-                          }});
+    const standin::Fault run_program{.before = [&] {
+      session.host.SetFault(service, {});
+      regex.Call("Execute", {"xbx"});
+    }};
+    session.host.SetFault(service, run_program);
     EXPECT_EQ(Try(regex, "Substring", {"n"}), "\"x\" err=0");
     EXPECT_EQ(regex.Get("Text").UTF8(), "xbx");
   }

@@ -45,7 +45,12 @@ const std::uint32_t kFrameBytes = FrameBytes();
 
 std::uintptr_t Here() { return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)); }
 
-std::size_t WithoutReserve(std::uintptr_t bytes) {
+// Differences, not sums: 32-bit code may have its main stack at the very end of the address space.
+std::size_t BytesBetween(std::uintptr_t low, std::uintptr_t high) {
+  return high > low ? high - low : 0;
+}
+
+std::size_t WithoutReserve(std::size_t bytes) {
   return bytes > kReservedBytes ? bytes - kReservedBytes : 0;
 }
 
@@ -100,12 +105,14 @@ constinit std::atomic<std::uintptr_t> main_high = 0;  // written last, read firs
   if (stack.high == 0) LookUp(stack);
   // Outside what the system calls this thread's stack: one of the program's own making.
   if (here <= stack.low || here >= stack.high) return 0;
-  if (here < stack.given + kScarceBytes && stack.given > stack.low) Extend(stack, here);
+  if (BytesBetween(stack.given, here) < kScarceBytes && stack.given > stack.low) {
+    Extend(stack, here);
+  }
   if (getpid() == gettid()) {
     main_given.store(stack.given, std::memory_order_relaxed);
     main_high.store(stack.high, std::memory_order_release);
   }
-  return here > stack.given ? WithoutReserve(here - stack.given) : 0;
+  return WithoutReserve(BytesBetween(stack.given, here));
 }
 
 class DeepStack {
@@ -134,9 +141,8 @@ class DeepStack {
 std::size_t StackLeft() noexcept {
   const std::uintptr_t here = Here();
   const std::uintptr_t high = main_high.load(std::memory_order_acquire);
-  const std::uintptr_t plenty = main_given.load(std::memory_order_relaxed) + kScarceBytes;
-  const bool on_main_stack = here > plenty && here < high;
-  return on_main_stack ? WithoutReserve(here - plenty + kScarceBytes) : LeftOnThread(here);
+  const std::size_t left = BytesBetween(main_given.load(std::memory_order_relaxed), here);
+  return here < high && left > kScarceBytes ? WithoutReserve(left) : LeftOnThread(here);
 }
 
 unsigned long LevelsIn(std::size_t stack_bytes) noexcept { return stack_bytes / kFrameBytes; }

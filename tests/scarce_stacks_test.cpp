@@ -87,8 +87,8 @@ void RunRows() {
 
 TEST(ScarceStacks, OfTheMainThreadAreUsedAsFarAsTheKernelGivesThem) { RunRows(); }
 
-// The children start anew, and nothing moves their stack from where the kernel would have it. For
-// 32-bit code that is the end of the address space, which chance comes as near in 1 of 70 processes.
+// The children start anew, with nothing moving their stack from where the kernel would have it: for
+// 32-bit code at the end of the address space. Chance comes near that in one of 70 processes.
 TEST(ScarceStacks, AtTheEndOfTheAddressSpaceAreLikeOthers) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const int before = personality(0xFFFFFFFF);

@@ -21,7 +21,7 @@ using namespace std::string_literals;
 std::string RandomBytes(std::mt19937& random, std::size_t length, bool ascii, int odd_bytes) {
   constexpr std::string_view kCharacters[] = {"a", "ä", "€", "😀"};
   constexpr std::string_view kOdd =
-      "\x80\xBF\xC3\xDF\xE2\xEF\xF0\xF3\xF4\xF5\xF7\xF8\xFD\xFF\x8F\x90";
+      "\x80\xBF\xC0\xC3\xDF\xE2\xEF\xF0\xF3\xF4\xF5\xF7\xF8\xFD\xFF\x8F\x90";
   std::string bytes;
   while (bytes.size() < length) {
     const std::string_view character = kCharacters[ascii ? 0 : random() % 4];
@@ -68,7 +68,7 @@ TEST(UTF8, ScansAgreeWithSlowOnesAtEveryLength) {
 TEST(UTF8, NoPlaceIsOverlooked) {
   for (const std::size_t length : {3U, 6U, 11U, 603U, 600'003U}) {
     const std::size_t step = length < 1000 ? 1 : 65'535;
-    for (const char* const odd : {"\x80", "\xC3", "\xE2", "\xF4\x90", "\xF5"}) {
+    for (const char* const odd : {"\x80", "\xC0", "\xE0", "\xF0", "\xF4\x90", "\xF5"}) {
       for (std::size_t at = 0; at < length; at += step) {
         std::string bytes(length, 'a');
         bytes.replace(at, std::string_view(odd).size(), odd);
@@ -79,14 +79,17 @@ TEST(UTF8, NoPlaceIsOverlooked) {
   }
 }
 
-// Whole stretches of ASCII, characters that lie across the places to count from, stray bytes that
-// would be in order behind other leads, and bits of which none stands for more than 0x80.
+// Whole stretches of ASCII, with and without bytes behind them, characters that lie across the
+// places to count from, stray bytes that would be in order behind other leads, or many behind one
+// byte, and bits of which none stands for more than 0x80.
 TEST(UTF8, TheSameBytesOverAndOverAreReadLikeOthers) {
   constexpr std::size_t kStretch = 1 << 18;  // what the scans take at once at most
-  for (const std::string& bytes : {"a"s, "€"s, "a\x80"s, "\0\x80"s}) {
+  const std::string strays(200, '\x80');
+  for (const std::string& bytes : {"a"s, "€"s, "a\x80"s, "\0\x80"s, 'a' + strays}) {
     SCOPED_TRACE(testing::PrintToString(bytes));
     std::string text;
     while (text.size() < kStretch) text += bytes;
+    Check(text);
     Check(text + std::string(1000, 'a'));
   }
 }

@@ -3,6 +3,7 @@
 #include "regex/compile.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
 #include <string>
 #include <string_view>
@@ -49,9 +50,10 @@ int OptionsFor(const RegExClassData& data, const char* pattern) {
 // Bytes of stack that the engine's compiler may need for so many bytes of pattern, or its study for
 // so many of a compiled one. Measured: 430 a byte where groups nest, which the engine allows 250
 // deep, and 43 a byte where one group calls the next or may be skipped like the next.
-std::size_t StackNeeded(std::size_t bytes) {
-  constexpr std::size_t kAlways = 32 << 10;
-  constexpr std::size_t kDeepestNesting = 512;
+// For long patterns the number is larger than 32 bits hold.
+std::uint64_t StackNeeded(std::uint64_t bytes) {
+  constexpr std::uint64_t kAlways = 32 << 10;
+  constexpr std::uint64_t kDeepestNesting = 512;
   return kAlways + 512 * std::min(bytes, kDeepestNesting) + 64 * bytes;
 }
 

@@ -199,6 +199,15 @@ TEST(DeepStack, IsTakenAtOnceWhereTheThreadsBoundsAreNotKnown) {
   }
 }
 
+// What it may need is a number that 32 bits do not hold.
+TEST(DeepStack, IsTakenForAPatternOfManyMegabytes) {
+  OnFreshThread([](standin::Host& host) {
+    const std::string pattern = "(?x)" + std::string((64 << 20) - 5, ' ') + 'a';
+    EXPECT_EQ(Try(Compiled(host, pattern.c_str()), "Execute", {"a"}), "1 err=0");
+    EXPECT_EQ(creates, 1);
+  });
+}
+
 TEST(DeepStack, DoesNotHelpPastAPatternsOwnLimit) {
   OnFreshThread([](standin::Host& host) {
     const Object low = Compiled(host, "(*LIMIT_RECURSION=100)(?-U)(?:a|b)*$");

@@ -1,5 +1,8 @@
 #include "regex/match_walk.h"
 
+#include <algorithm>
+#include <cstdint>
+
 #include "text/utf8.h"
 
 namespace zrk {
@@ -25,10 +28,15 @@ void MatchWalk::Advance() {
   if (at_end_) return;
   const std::int32_t searched_from = call_.start;
   call_.start = whole.end;
-  if (whole.IsEmpty()) call_.start += SequenceLength(bytes_[whole.end]);
-  if (call_.start <= searched_from) {
-    call_.start = searched_from + SequenceLength(bytes_[searched_from]);
-  }
+  if (whole.IsEmpty()) call_.start = AfterCharacter(whole.end);
+  if (call_.start <= searched_from) call_.start = AfterCharacter(searched_from);
+}
+
+// A character that is cut off ends past the text, and the engine refuses to search from there. The
+// text's own end may be the largest number of the type.
+std::int32_t MatchWalk::AfterCharacter(std::int32_t offset) const {
+  const std::int64_t end = std::int64_t{offset} + SequenceLength(bytes_[offset]);
+  return static_cast<std::int32_t>(std::min<std::int64_t>(end, INT32_MAX));
 }
 
 }  // namespace zrk

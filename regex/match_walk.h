@@ -35,6 +35,7 @@ class MatchWalk {
   static constexpr std::int32_t kVectorSize = 303;
 
   void Advance();
+  std::int32_t AfterCharacter(std::int32_t offset) const;
 
   EngineCall call_;
   const char* bytes_;

@@ -45,16 +45,23 @@ std::size_t EscapeBlock(std::string_view block, char* out) {
   return static_cast<std::size_t>(at - out);
 }
 
+// A text that is longer than any string may be lacks memory like one that is only too long for what
+// is left.
+std::string WithRoomFor(std::size_t bytes) {
+  std::string text;
+  text.reserve(std::min(bytes + kSpareBytes, text.max_size()));
+  return text;
+}
+
 }  // namespace
 
 REALstringStruct* EscapeString(RegExClassData& /*data*/, REALstringStruct* text) {
   constexpr std::size_t kBlock = 512;
   rbText adapter(text);
   std::string_view rest = adapter.UTF8();
-  std::string result;
   // Prose has fewer special characters than one in eight; growing would copy all that is there,
   // 0.1 ns a byte of the 0.7 that escaping takes.
-  result.reserve(rest.size() + rest.size() / 8 + kSpareBytes);
+  std::string result = WithRoomFor(rest.size() + rest.size() / 8);
   std::array<char, 2 * kBlock> escaped;
   while (!rest.empty()) {
     const std::string_view block = rest.substr(0, kBlock);
@@ -68,8 +75,7 @@ REALstringStruct* EscapeString(RegExClassData& /*data*/, REALstringStruct* text)
 REALstringStruct* UnescapeString(RegExClassData& /*data*/, REALstringStruct* text) {
   rbText adapter(text);
   const std::string_view escaped = adapter.UTF8();
-  std::string result;
-  result.reserve(escaped.size() + kSpareBytes);
+  std::string result = WithRoomFor(escaped.size());
   for (std::size_t at = 0; at < escaped.size();) {
     const std::size_t backslash = std::min(escaped.find(kEscape, at), escaped.size());
     result.append(escaped, at, backslash - at);

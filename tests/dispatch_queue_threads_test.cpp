@@ -31,6 +31,8 @@ void dispatch_async_f(void* target, void* context, void (*function)(void*)) {
   EXPECT_EQ(target, &queue);
   ++queue.works;
   if (queue.at_once) return function(context);
+  // Each thread holds address space until it is joined.
+  if (queue.threads.size() == 8) queue.threads.pop_front();
   queue.threads.emplace_back([=] {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));  // a queue may be busy
     function(context);

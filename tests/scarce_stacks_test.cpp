@@ -91,7 +91,7 @@ TEST(ScarceStacks, OfTheMainThreadAreUsedAsFarAsTheKernelGivesThem) { RunRows();
 // 32-bit code at the end of the address space. Chance comes near that in one of 70 processes.
 TEST(ScarceStacks, AtTheEndOfTheAddressSpaceAreLikeOthers) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const int before = personality(0xFFFFFFFF);
+  const auto before = static_cast<unsigned long>(personality(0xFFFFFFFF));
   if (personality(before | ADDR_NO_RANDOMIZE) == -1) GTEST_SKIP() << "not allowed here";
   RunRows();
   personality(before);
